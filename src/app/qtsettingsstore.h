@@ -1,0 +1,36 @@
+// The settings store of the desktop program: an INI file handled by QSettings.
+//
+// Sections are INI groups and keys their entries, so a user can read and
+// edit the file by hand. The default file is Orvane/Orvane.ini under the
+// user's configuration folder; the environment variable ORVANE_SETTINGS or an
+// explicit path (the command line's --settings, the tests) points elsewhere.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "util/settingsstore.h"
+
+class QSettings;
+
+namespace orv {
+
+class CQtSettingsStore final : public CSettingsStore {
+public:
+    // Uses `iniPath` when not empty, else ORVANE_SETTINGS, else the user's default file.
+    explicit CQtSettingsStore(const std::string& iniPath = {});
+    ~CQtSettingsStore() override;
+
+    std::optional<std::int64_t> ReadInt(std::string_view section, std::string_view key) const override;
+    std::optional<std::string> ReadString(std::string_view section, std::string_view key) const override;
+    void WriteInt(std::string_view section, std::string_view key, std::int64_t value) override;
+    void WriteString(std::string_view section, std::string_view key, std::string_view value) override;
+    void Flush() override;
+
+    std::string FileName() const;
+
+private:
+    std::unique_ptr<QSettings> m_settings;
+};
+
+}  // namespace orv

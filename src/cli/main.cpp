@@ -1,0 +1,174 @@
+#include <QCoreApplication>
+#include <QJsonDocument>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <iostream>
+#include <sstream>
+
+#include "app/qtsettingsstore.h"
+#include "cli/cli.h"
+#include "util/datapath.h"
+
+namespace orv::cli {
+
+namespace {
+std::vector<Command>& Registry()
+{
+    static std::vector<Command> commands;
+    return commands;
+}
+}  // namespace
+
+CommandRegistrar::CommandRegistrar(const char* name, const char* summary, const char* usage, CommandFn run)
+{
+    Registry().push_back(Command{name, summary, usage, run});
+}
+
+const std::vector<Command>& Commands() { return Registry(); }
+
+CArgs::CArgs(std::vector<std::string> words, const std::vector<std::string>& flagNames)
+{
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::string& w = words[i];
+        if (w.size() > 2 && w.rfind("--", 0) == 0) {
+            std::string name = w.substr(2);
+            std::string value;
+            if (const auto eq = name.find('='); eq != std::string::npos) {
+                value = name.substr(eq + 1);
+                name.resize(eq);
+            } else if (std::find(flagNames.begin(), flagNames.end(), name) == flagNames.end() &&
+                       i + 1 < words.size()) {
+                value = words[++i];
+            }
+            m_options[name] = value;
+        } else {
+            m_positional.push_back(w);
+        }
+    }
+}
+
+std::optional<std::string> CArgs::Get(const std::string& name) const
+{
+    const auto it = m_options.find(name);
+    if (it == m_options.end()) return std::nullopt;
+    return it->second;
+}
+
+std::optional<double> CArgs::GetNumber(const std::string& name, std::string& error) const
+{
+    const auto v = Get(name);
+    if (!v) return std::nullopt;
+    char* end = nullptr;
+    const double d = std::strtod(v->c_str(), &end);
+    if (v->empty() || *end != '\0' || !std::isfinite(d)) {
+        error = "--" + name + " needs a number, not \"" + *v + "\"";
+        return std::nullopt;
+    }
+    return d;
+}
+
+std::vector<std::string> CArgs::Unknown(const std::vector<std::string>& known) const
+{
+    std::vector<std::string> out;
+    for (const auto& [name, value] : m_options)
+        if (std::find(known.begin(), known.end(), name) == known.end()) out.push_back(name);
+    return out;
+}
+
+void PrintJson(std::ostream& out, const QJsonObject& object)
+{
+    out << QJsonDocument(object).toJson(QJsonDocument::Indented).toStdString();
+}
+
+int Fail(Context& ctx, const std::string& message)
+{
+    if (ctx.json) {
+        QJsonObject o;
+        o["error"] = QString::fromStdString(message);
+        PrintJson(ctx.out, o);
+    } else {
+        ctx.err << "orvane-cli: " << message << '\n';
+    }
+    return 1;
+}
+
+int UsageError(Context& ctx, const std::string& message)
+{
+    ctx.err << "orvane-cli: " << message << "\n(orvane-cli help for the commands and their options)\n";
+    return 2;
+}
+
+}  // namespace orv::cli
+
+namespace {
+
+void PrintHelp(std::ostream& out)
+{
+    out << "orvane-cli: Orvane's planetarium computations without a window\n\n"
+           "usage: orvane-cli <command> [options] [--json] [--settings FILE]\n\n"
+           "commands:\n";
+    auto commands = orv::cli::Commands();
+    std::sort(commands.begin(), commands.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+    for (const auto& c : commands) out << "  " << c.name << std::string(c.name.size() < 16 ? 16 - c.name.size() : 1, ' ') << c.summary << '\n';
+    out << "\nglobal options:\n"
+           "  --json           machine-readable output\n"
+           "  --settings FILE  use this settings file instead of the user's\n"
+           "  --data DIR       use this data folder (as ORVANE_DATA)\n"
+           "orvane-cli <command> --help shows a command's options.\n";
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    std::vector<std::string> words(argv + 1, argv + argc);
+    if (words.empty() || words[0] == "help" || words[0] == "--help" || words[0] == "-h") {
+        PrintHelp(std::cout);
+        return words.empty() ? 2 : 0;
+    }
+
+    // Longest registered name that the leading words spell ("map new" before "map").
+    const orv::cli::Command* command = nullptr;
+    std::size_t used = 0;
+    for (const auto& c : orv::cli::Commands()) {
+        std::istringstream parts(c.name);
+        std::string part;
+        std::size_t n = 0;
+        bool match = true;
+        while (parts >> part) {
+            if (n >= words.size() || words[n] != part) {
+                match = false;
+                break;
+            }
+            ++n;
+        }
+        if (match && n > used) {
+            command = &c;
+            used = n;
+        }
+    }
+    if (command == nullptr) {
+        std::cerr << "orvane-cli: unknown command \"" << words[0] << "\"\n\n";
+        PrintHelp(std::cerr);
+        return 2;
+    }
+    words.erase(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(used));
+    if (std::find(words.begin(), words.end(), "--help") != words.end()) {
+        std::cout << "orvane-cli " << command->name << ": " << command->summary << "\n\n" << command->usage << '\n';
+        return 0;
+    }
+
+    static const std::vector<std::string> kFlags{"json", "help", "all", "visible", "catalogue-only", "utc",
+                                                 "apparent", "alt-az", "night", "no-refraction"};
+    orv::cli::CArgs args(words, kFlags);
+    std::string settingsPath = args.Get("settings").value_or("");
+    if (auto data = args.Get("data")) setenv("ORVANE_DATA", data->c_str(), 1);
+    orv::CQtSettingsStore settings(settingsPath);
+    if (auto configured = settings.ReadString("Paths", "Data")) orv::SetConfiguredDataPath(*configured);
+    orv::cli::Context ctx{std::move(args), false, settings, std::cout, std::cerr};
+    ctx.json = ctx.args.Has("json");
+    return command->run(ctx);
+}

@@ -1,0 +1,200 @@
+// CObserverDoc: the observer of a map — site, instant, time scales, sidereal
+// time, precession, nutation, refraction and rise/set — and the free
+// functions of calendar and time-scale arithmetic it is built on.
+//
+// Units and frames:
+//   - angles in radians, north latitude and east longitude positive;
+//   - height above sea level in metres;
+//   - time zone in hours east of Greenwich (UTC+1 is +1), daylight saving as
+//     a further hour added when in force;
+//   - the instant is held as a Julian date on the UT scale (civil UTC is
+//     taken as UT1; |UT1 − UTC| < 0.9 s); dynamical time TT = UT + ΔT;
+//   - rectangular vectors are unit vectors, x toward the equinox, z toward
+//     the pole.
+// Precession and nutation follow the IAU 2006/2000A models through ERFA.
+// Everything that depends only on the instant (precession and nutation
+// matrices, sidereal time) is computed once per instant and cached: a chart
+// asks for it thousands of times per redraw.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace orv {
+
+class CByteReader;
+class CByteWriter;
+class CSettingsStore;
+
+// A calendar date and time of day. Dates on or after 1582 October 15 are
+// Gregorian, earlier ones Julian (proleptic before the year 8); years are
+// astronomical (year 0 = 1 BC).
+struct CivilDateTime {
+    int year = 2000;
+    int month = 1;  // 1-12
+    int day = 1;    // 1-31
+    int hour = 0;
+    int minute = 0;
+    double second = 0.0;
+};
+
+// Julian date of a civil date and time (the calendar rule above). Meeus,
+// Astronomical Algorithms, 2nd ed., ch. 7.
+double JulianDateFromCivil(const CivilDateTime& civil);
+// The civil date and time of a Julian date (inverse of the above), seconds
+// rounded to the millisecond with carries propagated.
+CivilDateTime CivilFromJulianDate(double jd);
+
+// ΔT = TT − UT in seconds for a Julian date on the UT scale.
+//   1972 to the end of the leap-second table: 32.184 s + (TAI − UTC);
+//   before 1972 and after the table: the polynomial expressions of Espenak
+//   and Meeus (NASA Five Millennium Canon of Solar Eclipses, 2006), valid
+//   −1999 to +3000, joined continuously to the leap-second era;
+//   outside −1999 … +3000: the long-term parabola −20 + 32 u², u = (year − 1820)/100.
+double DeltaTSeconds(double jdUT);
+
+// Greenwich mean sidereal time (IAU 2006, ERFA eraGmst06), radians in [0, 2π).
+double GreenwichMeanSiderealTimeRad(double jdUT, double jdTT);
+// Greenwich apparent sidereal time (IAU 2006/2000A, ERFA eraGst06a), radians in [0, 2π).
+double GreenwichApparentSiderealTimeRad(double jdUT, double jdTT);
+
+// Outcome of a rise/transit/set computation.
+struct RiseTransitSet {
+    enum class Kind { Normal, AlwaysAbove, AlwaysBelow };
+    Kind kind = Kind::Normal;
+    std::optional<double> riseJdUT;     // first rise within the search window
+    std::optional<double> transitJdUT;  // upper transit within the window
+    std::optional<double> setJdUT;      // first set within the window
+    double transitAltitudeRad = 0.0;
+};
+
+// Apparent geocentric right ascension and declination of date (radians) of a
+// body at the instant jdUT.
+using ApparentPositionFn = std::function<void(double jdUT, double& raRad, double& decRad)>;
+
+// Standard altitudes h0 of the rise and set events (Meeus ch. 15): the
+// geometric altitude of the centre at the event.
+inline constexpr double kRiseAltitudeStarRad = -0.5667 * 3.14159265358979323846 / 180.0;
+inline constexpr double kRiseAltitudeSunRad = -0.8333 * 3.14159265358979323846 / 180.0;
+
+class CObserverDoc {
+public:
+    CObserverDoc();  // Greenwich, 0 m, UT, at the current system time
+
+    // --- Settings: section "Observer" (angles in degrees, "%lf" text) ------
+    // Keys: "SiteName" (text), "Latitude", "Longitude" (degrees, east
+    // positive), "Height" (metres), "TimeZone" (hours east), "DaylightSaving" (0/1).
+    void LoadSettings(const CSettingsStore& store);
+    void SaveSettings(CSettingsStore& store) const;
+
+    // --- Site ----------------------------------------------------------------
+    void SetSite(const std::string& name, double latitudeRad, double longitudeRad, double heightM);
+    void SetTimeZone(double hoursEast, bool daylightSaving);
+    const std::string& SiteName() const { return m_siteName; }
+    double LatitudeRad() const { return m_latitudeRad; }
+    double LongitudeRad() const { return m_longitudeRad; }
+    double HeightM() const { return m_heightM; }
+    double TimeZoneHours() const { return m_timeZoneHours; }
+    bool DaylightSaving() const { return m_daylightSaving; }
+    // Offset of local civil time from UT in hours (zone plus daylight saving).
+    double LocalOffsetHours() const { return m_timeZoneHours + (m_daylightSaving ? 1.0 : 0.0); }
+
+    // --- Instant ---------------------------------------------------------------
+    void SetJulianDate(double jdUT);
+    void SetUniversalTime(const CivilDateTime& ut);
+    void SetLocalTime(const CivilDateTime& local);
+    void SetToNow();
+    double JulianDate() const { return m_jdUT; }  // UT
+    double JulianDateTDT() const;                 // TT = UT + ΔT
+    double DeltaT() const;                        // seconds, at the instant
+    CivilDateTime UniversalTime() const;
+    CivilDateTime LocalTime() const;
+
+    // --- Sidereal time ---------------------------------------------------------
+    double LAST() const;  // local apparent sidereal time, hours in [0, 24)
+    double LMST() const;  // local mean sidereal time, hours in [0, 24)
+    double GAST() const;  // Greenwich apparent sidereal time, hours in [0, 24)
+    double GMST() const;  // Greenwich mean sidereal time, hours in [0, 24)
+
+    // --- Precession and nutation ---------------------------------------------
+    // Precess the unit vector v in place between the mean equator and equinox
+    // of J2000.0 and those of the observer's date (TT) or of `jdTT`:
+    // direction −1 takes J2000 to the date, +1 the date back to J2000.
+    // IAU 2006 (ERFA eraPmat06). The frame bias is included, so J2000 here is
+    // the ICRS/GCRS frame of the catalogues.
+    void PrecessXYZ(double v[3], int direction) const;
+    void PrecessXYZ(double v[3], double jdTT, int direction) const;
+    // Nutation from mean to true equator and equinox of the date (TT) or of
+    // `jdTT` (IAU 2000A, ERFA eraNut06a and eraNumat).
+    void NutateXYZ(double v[3]) const;
+    void NutateXYZ(double v[3], double jdTT) const;
+    // The inverse: true to mean equator and equinox of date.
+    void UnnutateXYZ(double v[3]) const;
+    // Nutation in longitude and obliquity at the observer's date, radians.
+    void NutationTerms(double& dPsiRad, double& dEpsRad) const;
+    // Mean obliquity of the ecliptic of date (IAU 2006, eraObl06), radians.
+    double MeanObliquity() const;
+    double MeanObliquity(double jdTT) const;
+    double TrueObliquity() const;
+
+    // --- Refraction ----------------------------------------------------------
+    // At standard conditions (1010 hPa, 10 °C). Refraction: given a true
+    // (airless) altitude, the amount to add (Sæmundsson 1986, Meeus eq. 16.4);
+    // InverseRefraction: given an apparent altitude, the amount to remove
+    // (Bennett 1982, Meeus eq. 16.3). Both radians, both 0 below −2° where
+    // the formulae break down, and both continuous.
+    double Refraction(double trueAltitudeRad) const;
+    double InverseRefraction(double apparentAltitudeRad) const;
+
+    // --- Rise, transit and set -----------------------------------------------
+    // Events of a body whose apparent place `position` gives, in the window
+    // [jdUTStart, jdUTStart + windowDays), for the site, with the standard
+    // altitude h0 (geometric altitude of the centre at rise and set).
+    // Altitudes are sampled every 10 minutes and crossings refined by bisection
+    // to 1 second; a body that stays above or below h0 for the whole window is
+    // reported as such.
+    RiseTransitSet FindRiseTransitSet(const ApparentPositionFn& position, double jdUTStart, double windowDays,
+                                      double h0Rad) const;
+    // First instant after jdUTStart (within windowDays) at which the body
+    // crosses h0 rising (rising = true) or setting; nothing when it does not.
+    std::optional<double> FindNextCrossing(const ApparentPositionFn& position, double jdUTStart, double windowDays,
+                                           double h0Rad, bool rising) const;
+    // Geometric altitude (no refraction) of a body at ra/dec of date at jdUT.
+    double AltitudeOf(double raRad, double decRad, double jdUT) const;
+
+    // --- Map file block -------------------------------------------------------
+    // A fixed field sequence; FileLoad reads exactly what FileSave wrote.
+    void FileSave(CByteWriter& out) const;
+    void FileLoad(CByteReader& in);
+
+private:
+    void Invalidate();
+    struct Cache;
+    const Cache& InstantCache() const;
+
+    std::string m_siteName = "Greenwich";
+    double m_latitudeRad = 0.8980827862302452;  // 51°28'38" N
+    double m_longitudeRad = 0.0;
+    double m_heightM = 46.0;
+    double m_timeZoneHours = 0.0;
+    bool m_daylightSaving = false;
+    double m_jdUT = 2451545.0;
+
+    struct Cache {
+        bool valid = false;
+        double jdUT = 0.0;
+        double deltaTSeconds = 0.0;
+        double jdTT = 0.0;
+        double gmstRad = 0.0;
+        double gastRad = 0.0;
+        double precession[3][3] = {};  // J2000 (GCRS) -> mean of date
+        double nutation[3][3] = {};    // mean of date -> true of date
+        double dPsiRad = 0.0;
+        double dEpsRad = 0.0;
+        double meanObliquityRad = 0.0;
+    };
+    mutable Cache m_cache;
+};
+
+}  // namespace orv

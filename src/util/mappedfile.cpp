@@ -1,0 +1,67 @@
+#include "util/mappedfile.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <utility>
+
+namespace orv {
+
+CMappedFile::~CMappedFile() { Close(); }
+
+CMappedFile::CMappedFile(CMappedFile&& other) noexcept
+    : m_data(std::exchange(other.m_data, nullptr)),
+      m_size(std::exchange(other.m_size, 0)),
+      m_open(std::exchange(other.m_open, false))
+{
+}
+
+CMappedFile& CMappedFile::operator=(CMappedFile&& other) noexcept
+{
+    if (this != &other) {
+        Close();
+        m_data = std::exchange(other.m_data, nullptr);
+        m_size = std::exchange(other.m_size, 0);
+        m_open = std::exchange(other.m_open, false);
+    }
+    return *this;
+}
+
+bool CMappedFile::Open(const std::string& path)
+{
+    Close();
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return false;
+    struct stat st {};
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        ::close(fd);
+        return false;
+    }
+    const auto size = static_cast<std::size_t>(st.st_size);
+    void* p = nullptr;
+    if (size > 0) {
+        p = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, fd, 0);
+        if (p == MAP_FAILED) {
+            ::close(fd);
+            return false;
+        }
+    }
+    // The mapping keeps the file alive; the descriptor is not needed any more.
+    ::close(fd);
+    m_data = static_cast<const std::uint8_t*>(p);
+    m_size = size;
+    m_open = true;
+    return true;
+}
+
+void CMappedFile::Close()
+{
+    if (m_data != nullptr) ::munmap(const_cast<std::uint8_t*>(m_data), m_size);
+    m_data = nullptr;
+    m_size = 0;
+    m_open = false;
+}
+
+}  // namespace orv

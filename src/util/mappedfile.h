@@ -1,0 +1,40 @@
+// A read-only memory mapping of a whole file, owned by the object.
+//
+// The large catalogues are walked in place through this type: nothing is
+// copied to the heap. An empty file opens successfully with Size() 0 and a
+// null Data().
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace orv {
+
+class CMappedFile {
+public:
+    CMappedFile() = default;
+    ~CMappedFile();
+    CMappedFile(CMappedFile&& other) noexcept;
+    CMappedFile& operator=(CMappedFile&& other) noexcept;
+    CMappedFile(const CMappedFile&) = delete;
+    CMappedFile& operator=(const CMappedFile&) = delete;
+
+    // Maps `path` read-only. Returns false (and leaves the object closed) when
+    // the file is missing, is not a regular file, or cannot be mapped.
+    bool Open(const std::string& path);
+    void Close();
+
+    bool IsOpen() const { return m_open; }
+    const std::uint8_t* Data() const { return m_data; }
+    std::size_t Size() const { return m_size; }
+    std::span<const std::uint8_t> Bytes() const { return {m_data, m_size}; }
+
+private:
+    const std::uint8_t* m_data = nullptr;
+    std::size_t m_size = 0;
+    bool m_open = false;
+};
+
+}  // namespace orv
