@@ -69,8 +69,8 @@ double DecimalYearFromJulianDate(double jd);
 // the table's end the difference (about −6 s: the expressions foresaw a
 // faster slowing of the Earth than happened) is faded out linearly over ten
 // years, so that ΔT never changes faster than about 1.3 s per year, no faster
-// than it has been measured to. ΔT steps by one second at each leap second,
-// as TT − UTC does. NaN for non-finite input.
+// than it has been measured to change. ΔT steps by one second at each leap
+// second, as TT − UTC does. NaN for non-finite input.
 double DeltaTSeconds(double jdUT);
 // The expressions of Espenak and Meeus alone, for a decimal year (above),
 // seconds; the long-term parabola outside −1999 … +3000.
@@ -190,8 +190,10 @@ public:
     // (Bennett 1982, Meeus eq. 16.3). Both radians, both 0 below −2° where
     // the formulae break down, and both continuous. Each formula carries
     // Meeus's constant that makes it 0 at the zenith; the results are never
-    // negative. Accuracy against rigorous models about 4″ above 15° and 0.1′
-    // down to the horizon (Meeus ch. 16); actual refraction near the horizon
+    // negative. Bennett's formula follows Garfinkel's (1967) refraction
+    // tables to 0.07′ (Meeus ch. 16), which run about 3% above the modern
+    // model of SOFA/ERFA at these nominal conditions (2″ at 45°); the two
+    // formulae invert each other to 4″. Actual refraction near the horizon
     // varies with the weather by several arcminutes.
     //
     // Below the horizon: Sæmundsson's argument h + 10.3/(h + 5.11) turns back
