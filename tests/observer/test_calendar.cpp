@@ -157,3 +157,15 @@ TEST(Calendar, LocalTimeCarriesZoneAndDaylightSaving)
     EXPECT_EQ(22, back.hour);
     EXPECT_DOUBLE_EQ(-4.0, doc.LocalOffsetHours());
 }
+
+TEST(Calendar, ExtremeDatesStayDefined)
+{
+    // Far outside any use, but reachable through a damaged file or a typed
+    // Julian date: finite answers, no undefined arithmetic.
+    for (double jd : {1e12, -1e12, 1e300, -1e300}) {
+        const CivilDateTime c = CivilFromJulianDate(jd);
+        EXPECT_TRUE(IsValidCivilDateTime(c)) << jd;
+        EXPECT_TRUE(std::isfinite(DecimalYearFromJulianDate(jd))) << jd;
+        EXPECT_TRUE(std::isfinite(DeltaTSeconds(jd)) || std::fabs(jd) > 1e100) << jd;
+    }
+}
