@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "observer/observer.h"
@@ -108,26 +109,16 @@ TEST(ObserverBlock, TruncatedBlockChangesNothing)
 
 TEST(ObserverBlock, ImplausibleValuesChangeNothing)
 {
-    CByteWriter out;
-    out.CountedString("Nowhere");
-    out.F64(2.0);  // latitude beyond ±π/2
-    out.F64(0.0);
-    out.F64(0.0);
-    out.F64(0.0);
-    out.I16(0);
-    out.F64(2451545.0);
-    CByteWriter nanInstant;
-    nanInstant.CountedString("Nowhen");
-    nanInstant.F64(0.5);
-    nanInstant.F64(0.0);
-    nanInstant.F64(0.0);
-    nanInstant.F64(0.0);
-    nanInstant.I16(0);
-    nanInstant.F64(std::nan(""));
-    for (const CByteWriter* w : {&out, &nanInstant}) {
+    // A latitude beyond ±π/2, then a non-finite instant.
+    for (const auto& [latitudeRad, jdUT] : {std::pair{2.0, 2451545.0}, std::pair{0.5, std::nan("")}}) {
+        CByteWriter out;
+        out.CountedString("Nowhere");
+        for (double v : {latitudeRad, 0.0, 0.0, 0.0}) out.F64(v);
+        out.I16(0);
+        out.F64(jdUT);
         const CObserverDoc before = Paranal();
         CObserverDoc doc = before;
-        CByteReader in(w->Data());
+        CByteReader in(out.Data());
         doc.FileLoad(in);
         EXPECT_FALSE(in.ShortRead());
         EXPECT_TRUE(in.AtEnd());
