@@ -140,8 +140,9 @@ public:
     double LocalOffsetHours() const { return m_timeZoneHours + (m_daylightSaving ? 1.0 : 0.0); }
 
     // --- Instant ---------------------------------------------------------------
-    // A new instant (non-finite values refused) empties the instant's cache;
-    // it is refilled on the next question that needs it.
+    // A new instant empties the instant's cache; it is refilled on the next
+    // question that needs it. Instants more than 1e8 days (some 270,000
+    // years) from J2000, and non-finite ones, are refused.
     void SetJulianDate(double jdUT);
     void SetUniversalTime(const CivilDateTime& ut);
     void SetLocalTime(const CivilDateTime& local);
@@ -245,7 +246,8 @@ public:
     // A fixed field sequence (docs/observer-block.md); FileLoad reads exactly
     // what FileSave wrote. On a short read, or when the block holds values no
     // observer can have (a non-finite number, a latitude beyond ±90°, a zone
-    // beyond ±14 h), the observer keeps its previous state; the reader's
+    // beyond ±14 h, an instant refused by SetJulianDate), the observer keeps
+    // its previous state; the reader's
     // ShortRead() tells a truncated block from a damaged one.
     void FileSave(CByteWriter& out) const;
     void FileLoad(CByteReader& in);

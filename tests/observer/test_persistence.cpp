@@ -109,8 +109,10 @@ TEST(ObserverBlock, TruncatedBlockChangesNothing)
 
 TEST(ObserverBlock, ImplausibleValuesChangeNothing)
 {
-    // A latitude beyond ±π/2, then a non-finite instant.
-    for (const auto& [latitudeRad, jdUT] : {std::pair{2.0, 2451545.0}, std::pair{0.5, std::nan("")}}) {
+    // A latitude beyond ±π/2, a non-finite instant, an instant a billion
+    // years away.
+    for (const auto& [latitudeRad, jdUT] :
+         {std::pair{2.0, 2451545.0}, std::pair{0.5, std::nan("")}, std::pair{0.5, 4e11}}) {
         CByteWriter out;
         out.CountedString("Nowhere");
         for (double v : {latitudeRad, 0.0, 0.0, 0.0}) out.F64(v);
