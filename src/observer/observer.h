@@ -194,28 +194,23 @@ public:
     double TrueObliquity() const;
 
     // --- Refraction ----------------------------------------------------------
-    // At standard conditions (1010 hPa, 10 °C). Refraction: given a true
-    // (airless) altitude, the amount to add (Sæmundsson 1986, Meeus eq. 16.4);
-    // InverseRefraction: given an apparent altitude, the amount to remove
-    // (Bennett 1982, Meeus eq. 16.3). Both radians, both 0 below −2° where
-    // the formulae break down, and both continuous. Each formula carries
-    // Meeus's constant that makes it 0 at the zenith; the results are never
-    // negative. Bennett's formula follows Garfinkel's (1967) refraction
-    // tables to 0.07′ (Meeus ch. 16), which run about 3% above the modern
-    // model of SOFA/ERFA at these nominal conditions (2″ at 45°); the two
-    // formulae invert each other to 4″. Actual refraction near the horizon
-    // varies with the weather by several arcminutes.
+    // At standard conditions (1010 hPa, 10 °C), radians, never negative.
+    // Refraction: given a true (airless) altitude, the amount to add
+    // (Sæmundsson 1986, Meeus eq. 16.4, with Meeus's constant that makes it
+    // 0 at the zenith). InverseRefraction: given an apparent altitude, the
+    // amount to remove — the exact numerical inverse of Refraction (to
+    // 1e-14 rad), so that converting to the horizon and back returns the
+    // same place; Bennett's direct formula (Meeus eq. 16.3), which agrees to
+    // 4″, only seeds the solution. Sæmundsson follows Garfinkel's tables
+    // to 0.1′; actual refraction near the horizon varies with the weather by
+    // several arcminutes.
     //
     // Below the horizon: Sæmundsson's argument h + 10.3/(h + 5.11) turns back
-    // below h = −1.9° and Bennett's below −1.7°, so neither is used under
-    // −1° true altitude (Sæmundsson) or the apparent altitude that −1° is
-    // lifted to (−0.35°, Bennett). From there the refraction falls linearly
-    // to 0 at −2°. The apparent altitude h + Refraction(h) thus grows
-    // strictly and continuously with h everywhere (and h0 − InverseRefraction
-    // with h0), the two linear pieces invert each other to within the 0.6′ by
-    // which the formulae differ at their joins, and an object at −0.05 rad
-    // (−2.9°) is not lifted at all while one at −0.005 rad rises to about
-    // +0.004 rad.
+    // below h = −1.9°, so the formula is used down to −1° true altitude and
+    // the refraction then falls linearly to 0 at −2°. The apparent altitude
+    // h + Refraction(h) thus grows strictly and continuously with h
+    // everywhere; an object at −0.05 rad (−2.9°) is not lifted at all while
+    // one at −0.005 rad rises to about +0.004 rad.
     // Non-finite input gives NaN.
     double Refraction(double trueAltitudeRad) const;
     double InverseRefraction(double apparentAltitudeRad) const;
