@@ -1108,7 +1108,7 @@ bool ReadHipData(const std::string& dir, HipData& hip, const Progress& progress,
                    },
                    error))
         return false;
-    if (hip.crossIds.size() < 10) return Fail(error, "cross-id.dat holds almost no cross identifications");
+    if (hip.crossIds.empty()) return Fail(error, "cross-id.dat holds no cross identifications");
 
     progress("reading Bayer letters and Flamsteed numbers (name.fab)");
     if (!ReadLines((stars / "name.fab").string(),
