@@ -38,10 +38,36 @@ bool PropagateSpaceMotion(const SpaceMotionStar& s, double years, double& raRad,
         // Barycentric position (AU) and velocity (AU/yr).
         const double r = 1.0 / (s.parallaxArcsec * kRadPerArcsec);
         const double vr = s.radialVelocityKmS * kKmPerSecToAuPerYear;
+        // The catalogue's proper motion and radial velocity are what an
+        // observer sees; the light-time change along the path compresses or
+        // stretches the star's motion by 1 + vr/c, and special relativity
+        // adds a factor 1/γ. The inertial velocity (βr, βt in units of c)
+        // satisfies βr = (1 + βr) βr,obs + 1/γ − 1 and βt = (1 + βr) βt,obs
+        // with 1/γ = √(1 − βr² − βt²) (Stumpff 1985, A&A 144, 232; Klioner
+        // 2003, AJ 125, 1580); solved by fixed-point iteration, which gains
+        // a factor of about β per step.
+        const double vt = r * std::sqrt(muRa * muRa + muDec * muDec);  // AU/yr
+        const double betaRObs = vr / kLightAuPerYear;
+        const double betaTObs = vt / kLightAuPerYear;
+        double betaR = betaRObs, betaT = betaTObs;
+        for (int iter = 0; iter < 20; ++iter) {
+            const double w = betaR * betaR + betaT * betaT;
+            if (!(w < 1.0)) break;  // faster than light: keep the observed values
+            const double nextR = (1.0 + betaR) * betaRObs + std::sqrt(1.0 - w) - 1.0;
+            const double nextT = (1.0 + betaR) * betaTObs;
+            const bool done = std::fabs(nextR - betaR) < 1e-16 && std::fabs(nextT - betaT) < 1e-16;
+            betaR = nextR;
+            betaT = nextT;
+            if (done) break;
+        }
+        const double tangentialScale = betaTObs > 0.0 ? betaT / betaTObs : 1.0 + betaR;
+        // An observed radial velocity of zero leaves the inertial one at the
+        // transverse Doppler term 1/γ − 1 ≈ −βt²/2 (a few m/s).
+        const double radial = betaR * kLightAuPerYear;
         double pos[3], vel[3];
         for (int i = 0; i < 3; ++i) {
             pos[i] = r * p[i];
-            vel[i] = r * (muRa * eRa[i] + muDec * eDec[i]) + vr * p[i];
+            vel[i] = tangentialScale * r * (muRa * eRa[i] + muDec * eDec[i]) + radial * p[i];
         }
         // The light reaching us at the catalogue epoch left the star
         // |pos|/c earlier; the light reaching us `years` later left it when
