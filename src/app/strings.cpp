@@ -121,6 +121,7 @@ constexpr Message kMessages[] = {
     {IDS_VERSION_TOO_NEW,
      "Sorry - I don't know how to handle this file.\nYou need a more recent version of Orvane!"},
     {IDS_UNKNOWN_MAP_TYPE, "File %1 contains an unknown map type."},
+    {IDS_BITMAP_TOO_LARGE, "Unable to create a bitmap of the requested size"},
 };
 
 bool EqualNoCase(std::string_view a, std::string_view b)

@@ -18,6 +18,7 @@ enum StringId : int {
     IDS_NOT_ORVANE_FILE = 1037,     // "File %1 is not a\nOrvane file!"
     IDS_VERSION_TOO_NEW = 1039,     // "Sorry - I don't know how to handle this file.\n…"
     IDS_UNKNOWN_MAP_TYPE = 1056,    // "File %1 contains an unknown map type."
+    IDS_BITMAP_TOO_LARGE = 1100,    // "Unable to create a bitmap of the requested size"
     IDS_CONSTELLATION_GENITIVE_FIRST = 224,   // 224-311: "Andromedae" … "Vulpeculae"
     IDS_CONSTELLATION_ABBREV_FIRST = 2144,    // 2144-2231: "And" … "Vul"
     IDS_CONSTELLATION_NAME_FIRST = 2300,      // 2300-2387: "Andromeda" … "Vulpecula"

@@ -5,6 +5,7 @@
 
 #include "app/strings.h"
 #include "cli/cli.h"
+#include "cli/mapoptions.h"
 #include "cli/mapsummary.h"
 #include "cli/options.h"
 #include "map/mapfile.h"
@@ -39,8 +40,7 @@ void Report(Context& ctx, const CMapView& view, const MapFileResult* truncated)
 
 int MapNew(Context& ctx)
 {
-    const auto known = OptionNames({&kSiteOptionNames, &kTimeOptionNames},
-                                   {"out", "title", "ra", "dec", "alt", "az", "field", "level", "default"});
+    const auto known = OptionNames({&kSiteOptionNames, &kTimeOptionNames, &kMapOptionNames}, {"out", "title", "default"});
     if (int rc = CheckUnknown(ctx, known)) return rc;
     std::string path = ctx.args.Get("out").value_or("");
     if (path.empty() && !ctx.args.Positional().empty()) path = ctx.args.Positional().front();
@@ -54,45 +54,7 @@ int MapNew(Context& ctx)
     doc.title = ctx.args.Get("title").value_or(path.empty() ? "Default" : MapTitleFromPath(path));
 
     std::string error;
-    if (!ApplySiteOptions(ctx, doc.observer, error) || !ApplyTimeOptions(ctx, doc.observer, error))
-        return UsageError(ctx, error);
-
-    // Field or level first: entering a level sets how the centre is held.
-    if (auto level = ctx.args.GetNumber("level", error)) {
-        if (*level < 1 || *level > 10) return UsageError(ctx, "--level takes 1 to 10");
-        view.SetLevel(static_cast<int>(*level) - 1, CMapView::TakeField::Yes);
-    } else if (!error.empty()) {
-        return UsageError(ctx, error);
-    }
-    if (auto field = ctx.args.GetNumber("field", error)) {
-        if (!(*field > 0.0 && *field < 180.0)) return UsageError(ctx, "--field takes degrees between 0 and 180");
-        view.SetField(*field);
-    } else if (!error.empty()) {
-        return UsageError(ctx, error);
-    }
-
-    const auto ra = ctx.args.Get("ra"), dec = ctx.args.Get("dec");
-    const auto alt = ctx.args.Get("alt"), az = ctx.args.Get("az");
-    if ((ra || dec) && (alt || az)) return UsageError(ctx, "give the centre either as --ra/--dec or as --alt/--az");
-    if (ra || dec) {
-        double raRad = 0.0, decRad = 0.0;
-        if (!ra || !dec) return UsageError(ctx, "--ra and --dec go together");
-        if (!ParseAngle(*ra, AngleUnit::Hours, raRad)) return UsageError(ctx, "--ra is not an angle: " + *ra);
-        if (!ParseAngle(*dec, AngleUnit::Degrees, decRad) || std::fabs(decRad) > kHalfPi)
-            return UsageError(ctx, "--dec is not a declination: " + *dec);
-        view.coordinates.SetCentringMode(Centring::RaDec);
-        view.coordinates.SetCentreRaDec(doc.observer, raRad, decRad);
-    } else if (alt || az) {
-        double altRad = 0.0, azRad = 0.0;
-        if (!alt || !az) return UsageError(ctx, "--alt and --az go together");
-        if (!ParseAngle(*alt, AngleUnit::Degrees, altRad) || std::fabs(altRad) > kHalfPi)
-            return UsageError(ctx, "--alt is not an altitude: " + *alt);
-        if (!ParseAngle(*az, AngleUnit::Degrees, azRad)) return UsageError(ctx, "--az is not an azimuth: " + *az);
-        view.coordinates.SetCentringMode(Centring::AltAz);
-        view.coordinates.SetCentreAltAz(doc.observer, altRad, azRad);
-    } else {
-        view.coordinates.Update(doc.observer);
-    }
+    if (!ApplyMapOptions(ctx, view, MapSource::NewMap, error)) return UsageError(ctx, error);
 
     if (ctx.args.Has("default")) {
         const std::string mainFile = ctx.settings.GetString("Paths", "MainFile", "");
@@ -137,13 +99,9 @@ constexpr const char* kNewUsage =
     "orvane-cli map new --out FILE.ovm [options]\n"
     "  A map from the stored defaults, saved as FILE.ovm, then described block by block.\n"
     "  --title TEXT          map title (default: the file's base name)\n"
-    "  --ra ANGLE --dec ANGLE  centre, J2000 (\"5h35m17s\", \"83.82d\", \"-5:23:28\"); holds the centre in RA/Dec\n"
-    "  --alt DEG --az DEG    centre in altitude and azimuth (azimuth from north through east)\n"
-    "  --field DEG           degrees from the centre to the top edge (the level follows)\n"
-    "  --level N             level 1-10 with its field\n"
-    "  --lat DEG --lon DEG --height M --site NAME --zone H --dst 0|1   observing site\n"
-    "  --date YYYY-MM-DD --time HH:MM[:SS] [--utc] | --jd JD            instant (default now)\n"
-    "  --default             save as the default map file (settings \"Paths\", \"MainFile\")";
+    ORV_CLI_MAP_OPTIONS_USAGE
+    "  --default             save as the default map file (settings \"Paths\", \"MainFile\")\n"
+    "  (the instant is the present moment unless given)";
 
 constexpr const char* kInfoUsage =
     "orvane-cli map info FILE.ovm\n"

@@ -1,10 +1,12 @@
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QJsonDocument>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <iostream>
+#include <memory>
 #include <sstream>
 
 #include "app/qtsettingsstore.h"
@@ -123,7 +125,6 @@ void PrintHelp(std::ostream& out)
 
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
     std::vector<std::string> words(argv + 1, argv + argc);
     if (words.empty() || words[0] == "help" || words[0] == "--help" || words[0] == "-h") {
         PrintHelp(std::cout);
@@ -155,6 +156,16 @@ int main(int argc, char** argv)
         PrintHelp(std::cerr);
         return 2;
     }
+    // Commands that draw text need a QGuiApplication (fonts); without a
+    // display they use Qt's offscreen platform. The others stay headless.
+    static const std::vector<std::string> kDrawingCommands{"render"};
+    std::unique_ptr<QCoreApplication> app;
+    if (std::find(kDrawingCommands.begin(), kDrawingCommands.end(), command->name) != kDrawingCommands.end()) {
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+        app = std::make_unique<QGuiApplication>(argc, argv);
+    } else {
+        app = std::make_unique<QCoreApplication>(argc, argv);
+    }
     words.erase(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(used));
     if (std::find(words.begin(), words.end(), "--help") != words.end()) {
         std::cout << "orvane-cli " << command->name << ": " << command->summary << "\n\n" << command->usage << '\n';
@@ -162,7 +173,8 @@ int main(int argc, char** argv)
     }
 
     static const std::vector<std::string> kFlags{"json", "help", "all", "visible", "catalogue-only", "utc",
-                                                 "apparent", "alt-az", "night", "no-refraction"};
+                                                 "apparent", "alt-az", "night", "no-refraction", "mono",
+                                                 "list-formats"};
     orv::cli::CArgs args(words, kFlags);
     std::string settingsPath = args.Get("settings").value_or("");
     if (auto data = args.Get("data")) setenv("ORVANE_DATA", data->c_str(), 1);

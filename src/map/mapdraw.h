@@ -25,6 +25,8 @@
 #include <string>
 #include <vector>
 
+#include "catalog/stars/stardisplay.h"
+
 namespace orv {
 
 class CMapView;
@@ -94,6 +96,15 @@ struct RenderOptions {
     bool showSearchTarget = true;         // View menu: search target shown
 };
 
+// What the last draw did (for the status bar, the command line and tests).
+struct RenderStats {
+    int starsGathered = 0;   // stars in the chart's list after the query
+    int starsDrawn = 0;      // stars that landed on the surface
+    int labelsDrawn = 0;     // star and grid labels placed
+    int labelsDropped = 0;   // labels left out because no free place was found
+    bool catalogueOpen = false;
+};
+
 // One renderer per chart: it keeps what the chart reuses between redraws
 // (the star list for incremental extension, the positions of the objects
 // drawn for identification).
@@ -114,6 +125,14 @@ public:
     // The text listing of the stars visible on the last chart, headed
     // "Stars Visible on the Map" and a blank line, one star a line.
     std::string VisibleStarsText() const;
+
+    // The same stars as rows for the list window (designation, magnitude,
+    // B−V, flags, position), brightest first; SortVisibleStars (in
+    // catalog/stars/stardisplay.h) applies the list's sorting rules.
+    std::vector<VisibleStarRow> VisibleStars() const;
+
+    // What the last draw did.
+    const RenderStats& LastStats() const;
 
     // Forgets cached lists (after a change of catalogue or star settings).
     void Invalidate();

@@ -195,6 +195,18 @@ bool CTycho2Catalogue::ReadRecord(std::int64_t recordNumber, StarRecord& out) co
 
 // ----- Regions -------------------------------------------------------------------
 
+bool CTycho2Catalogue::RegionBox(int r, SkyBox& box) const
+{
+    if (r < 0 || r >= kRegionCount || m_regionBounds.size() < static_cast<std::size_t>(kRegionCount) * 4) return false;
+    const std::int32_t* b = &m_regionBounds[static_cast<std::size_t>(r) * 4];
+    constexpr double kRadPerUnit = kRadPerDeg / kTenthArcsecPerDeg;
+    box.raMinRad = b[0] * kRadPerUnit;
+    box.raMaxRad = b[1] * kRadPerUnit;
+    box.decMinRad = b[2] * kRadPerUnit;
+    box.decMaxRad = b[3] * kRadPerUnit;
+    return true;
+}
+
 void CTycho2Catalogue::FindRegions(const SkyBox& box, std::vector<int>& regions) const
 {
     regions.clear();

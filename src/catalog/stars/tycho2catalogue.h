@@ -127,6 +127,11 @@ public:
     std::uint32_t RegionEnd(int r) const { return m_regionStart[static_cast<std::size_t>(r) + 1]; }
     std::int16_t RegionBrightest(int r) const { return m_regionBrightest[static_cast<std::size_t>(r)]; }
 
+    // The bounds of region r (0 to 9536) as a J2000 box in radians; a region
+    // at 0h may start slightly below 0. False when r is out of range or the
+    // tables are not loaded.
+    bool RegionBox(int r, SkyBox& box) const;
+
     // Clears `regions` and appends the 0-based number of every region whose
     // bounds meet the box (touching edges count), in file order.
     void FindRegions(const SkyBox& box, std::vector<int>& regions) const;

@@ -1,0 +1,136 @@
+// What every layer of a chart is given when it draws: the surface and its
+// painter, the map (view, document, projection, level, observer), the
+// chart's fast sky-to-pixel path, the colours of the scheme in use, the
+// chart's fonts, and the register of the places already taken by texts.
+// Internal to the drawing library.
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "map/chartframe.h"
+#include "map/labelplacer.h"
+#include "map/mapdraw.h"
+#include "map/mapview.h"
+
+namespace orv {
+
+struct GridLines;
+
+// Colours of one scheme on one kind of surface.
+struct ChartPalette {
+    QColor background;
+    QColor ground;              // below the horizon (solid horizon)
+    QColor horizonLine;
+    QColor grid[4];             // solid lines, by GridKind
+    QColor gridFaint[4];        // faint lines, by GridKind
+    QColor gridLabel;
+    QColor starPlain;           // stars without (or not shown in) colour
+    QColor starHalo;            // ring that separates discs from what lies under them
+    bool haloDiscs = false;     // black-on-white discs get a paper-coloured ring
+    bool starColours = true;    // B−V colours allowed by the scheme
+    bool redOnly = false;       // every colour mapped to shades of red
+    QColor starLabel;           // names, Flamsteed numbers, magnitudes, distances
+    QColor greekLabel;          // Bayer letters
+    QColor starMark;            // variable and double-star marks
+    QColor pmLine;              // proper-motion lines
+    QColor scaleLine;
+    QColor compass;
+    QColor labelBackground;     // behind grid labels
+
+    // A star colour brought to the scheme (red: luminance as red).
+    QColor StarColour(const QColor& c) const;
+};
+
+ChartPalette MakePalette(ColourScheme scheme, SurfaceKind kind, bool monochrome);
+
+// The fonts of a chart, sized in points for the surface's resolution.
+struct ChartFonts {
+    QFont label;        // star names, numbers, magnitudes
+    QFont greek;        // Bayer letters (a font with real Greek glyphs)
+    QFont superscript;  // the superscript number of a Bayer letter
+    QFont grid;         // grid labels
+    QFont mark;         // compass and scale line
+};
+
+ChartFonts MakeFonts(double dpiY);
+
+struct DrawContext {
+    const DrawSurface& surface;
+    QPainter& painter;
+    CMapView& view;
+    const CMapDoc& doc;
+    const CCoordinates& coords;
+    const CChartFrame& frame;
+    int level = 0;
+    const RenderOptions& options;
+    ChartPalette palette;
+    ChartFonts fonts;
+    CLabelPlacer& labels;
+    RenderStats& stats;
+    std::shared_ptr<GridLines> altAzLines;  // traced in the horizon grid's first pass, drawn again in its second
+
+    double Width() const { return surface.widthPx; }
+    double Height() const { return surface.heightPx; }
+    // Device pixels for a length in inches (at least `minPx`).
+    double Px(double inches, double minPx = 1.0) const { return std::max(minPx, inches * surface.dpiY); }
+    bool IsRasterDisplay() const { return surface.kind == SurfaceKind::RasterDisplay; }
+    bool IsVectorLike() const { return surface.kind == SurfaceKind::Printer || surface.kind == SurfaceKind::Vector; }
+    // The width of a chart line: one pixel on screens, a hairline of about
+    // 0.2 mm scaled to the resolution on printers and vector files.
+    double LineWidth(double factor = 1.0) const
+    {
+        return IsVectorLike() ? std::max(0.5, factor * 0.008 * surface.dpiY) : std::max(1.0, factor);
+    }
+};
+
+// Layers of the chart drawn by this library (the others draw nothing yet).
+void DrawAltAzGridFirstPass(DrawContext& ctx);
+void DrawAltAzGridSecondPass(DrawContext& ctx);
+void DrawEquatorialGrid(DrawContext& ctx);
+void DrawEclipticGrid(DrawContext& ctx);
+void DrawGalacticGrid(DrawContext& ctx);
+void DrawSearchTarget(DrawContext& ctx);
+void DrawScaleLine(DrawContext& ctx);
+void DrawCompass(DrawContext& ctx);
+// Takes the corners that the scale line and the compass will use, before any
+// label is placed, so that no label goes under them.
+void ReserveMarkAreas(DrawContext& ctx);
+
+// The ground below the horizon: a test in projection-plane coordinates.
+// Stereographic projection maps the horizon to a circle (or a line), so the
+// ground is the inside or the outside of that circle.
+class CGroundTest {
+public:
+    explicit CGroundTest(const CChartFrame& frame);
+    // True when the screen point lies below the horizon.
+    bool BelowHorizon(double xPx, double yPx) const;
+    // The quadratic whose sign tells the side: negative below the horizon.
+    double Side(const PlanePoint& p) const { return -m_cn * (p.x * p.x + p.y * p.y) * 0.25 + p.x * m_en + p.y * m_sn + m_cn; }
+    double ZenithDotCentre() const { return m_cn; }
+    double ZenithDotEast() const { return m_en; }
+    double ZenithDotSouth() const { return m_sn; }
+
+private:
+    const CCoordinates& m_coords;
+    double m_cn = 0.0, m_en = 0.0, m_sn = 0.0;
+};
+
+// Clears the upper halves of the AVX registers when the processor has them.
+// Some code that runs inside Qt (seen after QGuiApplication starts) leaves
+// them dirty; every later SSE instruction then pays a merge penalty, which
+// made the per-star arithmetic (sines and cosines in libm) five times slower.
+// Called before the long numerical loops of a chart.
+void ClearUpperVectorState();
+
+// A text drawn with a few pixels of the background around it, so that lines
+// under it do not cross it (grid labels).
+void DrawBoxedText(QPainter& p, const QRectF& box, const QString& text, const QColor& textColour,
+                   const QColor& background);
+
+}  // namespace orv

@@ -1,0 +1,189 @@
+// The chart's colour schemes and fonts.
+//
+// Normal: a dark sky, grids in muted colours, stars coloured by B−V.
+// Red night vision: every colour becomes a shade of red on black, so that a
+// screen at the telescope keeps the observer's dark adaptation (rod cells are
+// nearly blind to deep red).
+// Black on white: black ink on white paper, as star atlases are printed;
+// discs get a thin white ring so that they stand out from the lines under
+// them. Printers always get paper-white backgrounds; printing in monochrome
+// turns every colour into black or grey.
+
+#include "map/drawcontext.h"
+
+namespace orv {
+
+namespace {
+
+QColor RedOf(const QColor& c)
+{
+    // Perceived brightness (Rec. 601 luma) carried into the red channel.
+    const int y = (299 * c.red() + 587 * c.green() + 114 * c.blue()) / 1000;
+    return QColor(std::max(y, 40), 0, 0, c.alpha());
+}
+
+ChartPalette NormalPalette()
+{
+    ChartPalette p;
+    p.background = QColor(0, 0, 16);
+    p.ground = QColor(22, 32, 16);
+    p.horizonLine = QColor(120, 150, 90);
+    p.grid[0] = QColor(60, 90, 150);   // equatorial
+    p.grid[1] = QColor(60, 130, 70);   // horizon
+    p.grid[2] = QColor(150, 130, 50);  // ecliptic
+    p.grid[3] = QColor(140, 70, 140);  // galactic
+    for (int i = 0; i < 4; ++i) p.gridFaint[i] = p.grid[i].darker(170);
+    p.gridLabel = QColor(150, 170, 210);
+    p.starPlain = QColor(255, 255, 255);
+    p.starHalo = p.background;
+    p.haloDiscs = false;
+    p.starColours = true;
+    p.starLabel = QColor(200, 200, 200);
+    p.greekLabel = QColor(170, 200, 255);
+    p.starMark = QColor(170, 170, 185);
+    p.pmLine = QColor(200, 120, 120);
+    p.scaleLine = QColor(210, 210, 210);
+    p.compass = QColor(210, 210, 160);
+    p.labelBackground = p.background;
+    return p;
+}
+
+ChartPalette BlackOnWhitePalette()
+{
+    ChartPalette p;
+    p.background = QColor(255, 255, 255);
+    p.ground = QColor(225, 225, 225);
+    p.horizonLine = QColor(90, 90, 90);
+    p.grid[0] = QColor(120, 120, 120);
+    p.grid[1] = QColor(110, 110, 110);
+    p.grid[2] = QColor(100, 100, 100);
+    p.grid[3] = QColor(130, 130, 130);
+    for (int i = 0; i < 4; ++i) p.gridFaint[i] = QColor(185, 185, 185);
+    p.gridLabel = QColor(60, 60, 60);
+    p.starPlain = QColor(0, 0, 0);
+    p.starHalo = QColor(255, 255, 255);
+    p.haloDiscs = true;
+    p.starColours = false;
+    p.starLabel = QColor(0, 0, 0);
+    p.greekLabel = QColor(0, 0, 0);
+    p.starMark = QColor(0, 0, 0);
+    p.pmLine = QColor(80, 80, 80);
+    p.scaleLine = QColor(0, 0, 0);
+    p.compass = QColor(0, 0, 0);
+    p.labelBackground = p.background;
+    return p;
+}
+
+ChartPalette RedPalette()
+{
+    ChartPalette p = NormalPalette();
+    p.background = QColor(0, 0, 0);
+    p.ground = QColor(40, 0, 0);
+    p.horizonLine = QColor(150, 0, 0);
+    for (int i = 0; i < 4; ++i) {
+        p.grid[i] = QColor(110, 0, 0);
+        p.gridFaint[i] = QColor(70, 0, 0);
+    }
+    p.gridLabel = QColor(170, 0, 0);
+    p.starPlain = QColor(255, 0, 0);
+    p.starHalo = p.background;
+    p.starColours = true;  // by brightness, through StarColour
+    p.redOnly = true;
+    p.starLabel = QColor(190, 0, 0);
+    p.greekLabel = QColor(210, 0, 0);
+    p.starMark = QColor(200, 0, 0);
+    p.pmLine = QColor(140, 0, 0);
+    p.scaleLine = QColor(190, 0, 0);
+    p.compass = QColor(190, 0, 0);
+    p.labelBackground = p.background;
+    return p;
+}
+
+}  // namespace
+
+QColor ChartPalette::StarColour(const QColor& c) const { return redOnly ? QColor(255, 0, 0) : c; }
+
+ChartPalette MakePalette(ColourScheme scheme, SurfaceKind kind, bool monochrome)
+{
+    ChartPalette p;
+    switch (scheme) {
+    case ColourScheme::Normal: p = NormalPalette(); break;
+    case ColourScheme::RedNightVision: p = RedPalette(); break;
+    case ColourScheme::BlackOnWhite: p = BlackOnWhitePalette(); break;
+    }
+    if (kind == SurfaceKind::Printer && scheme != ColourScheme::BlackOnWhite) {
+        // Paper is white whatever the screen shows: print the atlas form, with
+        // the grids in their colours unless printing in monochrome.
+        ChartPalette ink = BlackOnWhitePalette();
+        if (!monochrome && scheme == ColourScheme::Normal) {
+            for (int i = 0; i < 4; ++i) {
+                ink.grid[i] = p.grid[i];
+                ink.gridFaint[i] = p.grid[i].lighter(160);
+            }
+        }
+        p = ink;
+    }
+    if (monochrome) {
+        p.starColours = false;
+        auto grey = [](QColor& c) {
+            const int y = (299 * c.red() + 587 * c.green() + 114 * c.blue()) / 1000;
+            c = QColor(y, y, y, c.alpha());
+        };
+        for (QColor* c : {&p.background, &p.ground, &p.horizonLine, &p.grid[0], &p.grid[1], &p.grid[2], &p.grid[3],
+                          &p.gridFaint[0], &p.gridFaint[1], &p.gridFaint[2], &p.gridFaint[3], &p.gridLabel,
+                          &p.starPlain, &p.starHalo, &p.starLabel, &p.greekLabel, &p.starMark, &p.pmLine,
+                          &p.scaleLine, &p.compass, &p.labelBackground})
+            grey(*c);
+    }
+    if (p.redOnly) {
+        for (QColor* c : {&p.horizonLine, &p.gridLabel, &p.starLabel, &p.greekLabel, &p.starMark, &p.pmLine,
+                          &p.scaleLine, &p.compass})
+            *c = RedOf(*c);
+    }
+    return p;
+}
+
+QColor BackgroundColour(ColourScheme scheme) { return MakePalette(scheme, SurfaceKind::RasterDisplay, false).background; }
+
+ChartFonts MakeFonts(double dpiY)
+{
+    auto sized = [dpiY](const char* family, double points, int weight = QFont::Normal) {
+        QFont f(QString::fromLatin1(family));
+        f.setStyleHint(QFont::SansSerif);
+        f.setPixelSize(std::max(4, static_cast<int>(std::lround(points * dpiY / 72.0))));
+        f.setWeight(static_cast<QFont::Weight>(weight));
+        return f;
+    };
+    ChartFonts fonts;
+    fonts.label = sized("DejaVu Sans", 7.0);
+    // DejaVu Sans carries the whole Greek block; the Symbol font's Latin
+    // letters are mapped to real Greek letters (GreekLetterCodePoint).
+    fonts.greek = sized("DejaVu Sans", 8.5);
+    fonts.superscript = sized("DejaVu Sans", 5.5);
+    fonts.grid = sized("DejaVu Sans", 7.0);
+    fonts.mark = sized("DejaVu Sans", 7.5, QFont::Bold);
+    return fonts;
+}
+
+#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+namespace {
+__attribute__((target("avx"))) void ZeroUpper() { __builtin_ia32_vzeroupper(); }
+const bool g_hasAvx = __builtin_cpu_supports("avx");
+}  // namespace
+void ClearUpperVectorState()
+{
+    if (g_hasAvx) ZeroUpper();
+}
+#else
+void ClearUpperVectorState() {}
+#endif
+
+void DrawBoxedText(QPainter& p, const QRectF& box, const QString& text, const QColor& textColour,
+                   const QColor& background)
+{
+    p.fillRect(box, background);
+    p.setPen(textColour);
+    p.drawText(box, Qt::AlignCenter, text);
+}
+
+}  // namespace orv
