@@ -99,10 +99,14 @@ TEST(MapSettings, LevelChangesReachEveryLayer)
     EXPECT_EQ(view.raDecGrid.state, 2);
     EXPECT_TRUE(view.starState.bayer);
     EXPECT_TRUE(view.starState.flamsteed);
-    EXPECT_FALSE(view.constellationState.figures);
+    EXPECT_TRUE(view.constellationState.figures);  // figures up to level 5
     EXPECT_TRUE(view.deepSkyState.leda);
     EXPECT_FALSE(view.deepSkyState.dark);
     EXPECT_EQ(view.starState.magLimit, 1000);
+    view.SetField(1.5);  // level 6
+    EXPECT_EQ(view.Level(), 5);
+    EXPECT_FALSE(view.constellationState.figures);
+    EXPECT_TRUE(view.deepSkyState.dark);
 }
 
 TEST(MapSettings, TimeStepsByCalendarMonths)
