@@ -15,6 +15,7 @@
 #include "catalog/stars/stardesignation.h"
 #include "catalog/stars/tycho2catalogue.h"
 #include "cli/cli.h"
+#include "cli/options.h"
 #include "map/chartframe.h"
 #include "map/coordinates.h"
 #include "map/skyframes.h"
@@ -68,31 +69,13 @@ std::string FormatDec(double decRad)
     return buf;
 }
 
-// Sets the observer from --date (UT, "YYYY-MM-DD[THH:MM[:SS]]", default now),
-// --lat and --lon (degrees, east positive). Empty on success, else the error.
+// The observer of the command: the stored site and the shared site and time
+// options. Empty on success, else the error.
 std::string SetObserver(Context& ctx, CObserverDoc& observer)
 {
+    observer.LoadSettings(ctx.settings);
     std::string error;
-    const auto lat = ctx.args.GetNumber("lat", error);
-    const auto lon = ctx.args.GetNumber("lon", error);
-    if (!error.empty()) return error;
-    if (lat || lon) {
-        const double la = lat.value_or(0.0), lo = lon.value_or(0.0);
-        if (std::fabs(la) > 90.0 || std::fabs(lo) > 180.0) return "--lat must lie in -90..90 and --lon in -180..180";
-        observer.SetSite("", la * kRadPerDeg, lo * kRadPerDeg, 0.0);
-    }
-    if (const auto date = ctx.args.Get("date")) {
-        CivilDateTime c;
-        int n = std::sscanf(date->c_str(), "%d-%d-%d%*[T ]%d:%d:%lf", &c.year, &c.month, &c.day, &c.hour, &c.minute,
-                            &c.second);
-        if (n < 3 || c.month < 1 || c.month > 12 || c.day < 1 || c.day > 31 || c.hour < 0 || c.hour > 23 ||
-            c.minute < 0 || c.minute > 59 || !(c.second >= 0.0 && c.second < 61.0))
-            return "--date needs a UT date as YYYY-MM-DD or YYYY-MM-DDTHH:MM[:SS], not \"" + *date + "\"";
-        if (n < 6) c.second = 0.0;
-        if (n < 5) c.minute = 0;
-        if (n < 4) c.hour = 0;
-        observer.SetUniversalTime(c);
-    }
+    if (!ApplySiteOptions(ctx, observer, error) || !ApplyTimeOptions(ctx, observer, error)) return error;
     return {};
 }
 
@@ -110,7 +93,7 @@ QJsonObject PlaceJson(double raRad, double decRad)
 
 int RunStars(Context& ctx)
 {
-    const std::vector<std::string> known{"ra", "dec", "radius", "limit", "date", "lat", "lon", "json", "settings", "data"};
+    const auto known = OptionNames({&kSiteOptionNames, &kTimeOptionNames}, {"ra", "dec", "radius", "limit"});
     if (const auto unknown = ctx.args.Unknown(known); !unknown.empty())
         return UsageError(ctx, "unknown option --" + unknown.front());
     const auto raText = ctx.args.Get("ra");
@@ -210,7 +193,7 @@ int RunStars(Context& ctx)
 
 int RunStar(Context& ctx)
 {
-    const std::vector<std::string> known{"date", "lat", "lon", "json", "settings", "data"};
+    const auto known = OptionNames({&kSiteOptionNames, &kTimeOptionNames});
     if (const auto unknown = ctx.args.Unknown(known); !unknown.empty())
         return UsageError(ctx, "unknown option --" + unknown.front());
     std::string query;
@@ -331,16 +314,16 @@ ORV_CLI_COMMAND("stars", "Tycho-2 stars of a field at a date",
                 "  --dec ANGLE     field centre, J2000 (degrees, or -16:42:58)\n"
                 "  --radius DEG    field radius (default 1)\n"
                 "  --limit MAG     faintest magnitude (default 9)\n"
-                "  --date UT       YYYY-MM-DD[THH:MM[:SS]] (default now)\n"
-                "  --lat DEG --lon DEG  observing site (east positive)\n"
+                "  --date YYYY-MM-DD --time HH:MM[:SS] [--utc], or --jd JD: the instant (default now)\n"
+                "  --lat, --lon, --height, --zone, --dst: the site (default: the Observer settings)\n"
                 "  --json          machine-readable output",
                 RunStars);
 
 ORV_CLI_COMMAND("star", "everything the star catalogue holds about one star",
                 "  DESIGNATION     \"TYC 5949-2777-1\", \"HIP 32349\", \"HD 48915\", \"SAO 151881\", \"HR 2491\",\n"
                 "                  \"alpha CMa\", \"9 CMa\" or a proper name such as Sirius\n"
-                "  --date UT       YYYY-MM-DD[THH:MM[:SS]] (default now)\n"
-                "  --lat DEG --lon DEG  observing site (east positive), for altitude and azimuth\n"
+                "  --date YYYY-MM-DD --time HH:MM[:SS] [--utc], or --jd JD: the instant (default now)\n"
+                "  --lat, --lon, --height, --zone, --dst: the site, for altitude and azimuth\n"
                 "  --json          machine-readable output",
                 RunStar);
 
