@@ -20,18 +20,7 @@ using namespace orv;
 
 namespace {
 
-QApplication& App()
-{
-    static int argc = 1;
-    static char name[] = "test_app_gui";
-    static char* argv[] = {name, nullptr};
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication app(argc, argv);
-    return app;
-}
-
 struct Fixture {
-    QApplication& app = App();
     std::string dir = orv::test::MakeTempDir();
     CQtSettingsStore settings{(std::filesystem::path(dir) / "orvane.ini").string()};
     CAppContext context{settings};
