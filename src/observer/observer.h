@@ -40,11 +40,23 @@ struct CivilDateTime {
 };
 
 // Julian date of a civil date and time (the calendar rule above). Meeus,
-// Astronomical Algorithms, 2nd ed., ch. 7.
+// Astronomical Algorithms, 2nd ed., ch. 7, with floor() in place of INT so
+// that negative years and Julian dates are handled too. Fields out of their
+// range carry arithmetically (hour 24 is the next day); the ten dates
+// 1582 October 5–14 that no calendar has are counted in the Julian calendar.
 double JulianDateFromCivil(const CivilDateTime& civil);
 // The civil date and time of a Julian date (inverse of the above), seconds
-// rounded to the millisecond with carries propagated.
+// rounded to the millisecond with carries propagated. Any finite jd, including
+// negative ones (before −4712 January 1.5).
 CivilDateTime CivilFromJulianDate(double jd);
+// True when every field is in its range: month 1–12, a day that the month has
+// in its calendar (February 29 in Julian century years; not 1582 October
+// 5–14), hour 0–23, minute 0–59, second in [0, 60).
+bool IsValidCivilDateTime(const CivilDateTime& civil);
+// The year as a continuous number: the calendar year plus the fraction of it
+// elapsed at jd (1972.0 is 1972 January 1, 0h). The year argument of the
+// ΔT expressions.
+double DecimalYearFromJulianDate(double jd);
 
 // ΔT = TT − UT in seconds for a Julian date on the UT scale.
 //   1972 to the end of the leap-second table: 32.184 s + (TAI − UTC);
@@ -52,7 +64,24 @@ CivilDateTime CivilFromJulianDate(double jd);
 //   and Meeus (NASA Five Millennium Canon of Solar Eclipses, 2006), valid
 //   −1999 to +3000, joined continuously to the leap-second era;
 //   outside −1999 … +3000: the long-term parabola −20 + 32 u², u = (year − 1820)/100.
+// The joins: the polynomials miss the leap-second value at 1972 January 1 by
+// −0.07 s, a difference faded in linearly over the two years before; after
+// the table's end the difference (about −6 s: the expressions foresaw a
+// faster slowing of the Earth than happened) is faded out linearly over ten
+// years, so that ΔT never changes faster than about 1.3 s per year, no faster
+// than it has been measured to. ΔT steps by one second at each leap second,
+// as TT − UTC does. NaN for non-finite input.
 double DeltaTSeconds(double jdUT);
+// The expressions of Espenak and Meeus alone, for a decimal year (above),
+// seconds; the long-term parabola outside −1999 … +3000.
+double DeltaTEspenakMeeusSeconds(double decimalYear);
+// TAI − UTC in seconds from the compiled-in table of the IERS leap seconds
+// (Bulletin C), for a Julian date on the UTC scale within
+// [1972 January 1, LeapSecondTableEndJdUTC()); nothing outside.
+std::optional<double> TaiMinusUtcSeconds(double jdUTC);
+// The date up to which the compiled-in table is known to hold (the expiry
+// date of the IERS list it was taken from), Julian date UTC.
+double LeapSecondTableEndJdUTC();
 
 // Greenwich mean sidereal time (IAU 2006, ERFA eraGmst06), radians in [0, 2π).
 double GreenwichMeanSiderealTimeRad(double jdUT, double jdTT);
@@ -61,12 +90,16 @@ double GreenwichApparentSiderealTimeRad(double jdUT, double jdTT);
 
 // Outcome of a rise/transit/set computation.
 struct RiseTransitSet {
-    enum class Kind { Normal, AlwaysAbove, AlwaysBelow };
+    // Normal: at least one rise or set in the window; AlwaysAbove/AlwaysBelow:
+    // none, the body stayed above/below h0 throughout; InvalidInput: a
+    // non-finite or non-positive argument, or a position function that gave
+    // no finite altitude anywhere in the window.
+    enum class Kind { Normal, AlwaysAbove, AlwaysBelow, InvalidInput };
     Kind kind = Kind::Normal;
     std::optional<double> riseJdUT;     // first rise within the search window
     std::optional<double> transitJdUT;  // upper transit within the window
     std::optional<double> setJdUT;      // first set within the window
-    double transitAltitudeRad = 0.0;
+    double transitAltitudeRad = 0.0;  // geometric altitude at the transit, when there is one
 };
 
 // Apparent geocentric right ascension and declination of date (radians) of a
@@ -80,7 +113,7 @@ inline constexpr double kRiseAltitudeSunRad = -0.8333 * 3.14159265358979323846 /
 
 class CObserverDoc {
 public:
-    CObserverDoc();  // Greenwich, 0 m, UT, at the current system time
+    CObserverDoc();  // Greenwich (Airy transit circle, 46 m), UT, at the current system time
 
     // --- Settings: section "Observer" (angles in degrees, "%lf" text) ------
     // Keys: "SiteName" (text), "Latitude", "Longitude" (degrees, east
@@ -110,12 +143,22 @@ public:
     double DeltaT() const;                        // seconds, at the instant
     CivilDateTime UniversalTime() const;
     CivilDateTime LocalTime() const;
+    // Julian date of a calendar date with the time as a fraction of the day
+    // (Meeus's form, "1957 October 4.81"); the calendar rule of
+    // JulianDateFromCivil. The time scale is the caller's.
+    static double JulianDate(int year, int month, double dayWithFraction);
+    // ΔT = TT − UT in seconds at any instant jdUT (DeltaTSeconds).
+    double DeltaT(double jdUT) const { return DeltaTSeconds(jdUT); }
 
     // --- Sidereal time ---------------------------------------------------------
     double LAST() const;  // local apparent sidereal time, hours in [0, 24)
     double LMST() const;  // local mean sidereal time, hours in [0, 24)
     double GAST() const;  // Greenwich apparent sidereal time, hours in [0, 24)
     double GMST() const;  // Greenwich mean sidereal time, hours in [0, 24)
+    // Local apparent sidereal time at the dynamical instant jdTT (UT is found
+    // from it with ΔT), hours in [0, 24). Like every explicit-date form of
+    // this class it takes TT, the date the planetary theories work in.
+    double LAST(double jdTT) const;
 
     // --- Precession and nutation ---------------------------------------------
     // Precess the unit vector v in place between the mean equator and equinox
@@ -131,8 +174,10 @@ public:
     void NutateXYZ(double v[3], double jdTT) const;
     // The inverse: true to mean equator and equinox of date.
     void UnnutateXYZ(double v[3]) const;
-    // Nutation in longitude and obliquity at the observer's date, radians.
+    // Nutation in longitude and obliquity at the observer's date or at
+    // `jdTT`, radians (IAU 2000A as adjusted for IAU 2006, eraNut06a).
     void NutationTerms(double& dPsiRad, double& dEpsRad) const;
+    void NutationTerms(double jdTT, double& dPsiRad, double& dEpsRad) const;
     // Mean obliquity of the ecliptic of date (IAU 2006, eraObl06), radians.
     double MeanObliquity() const;
     double MeanObliquity(double jdTT) const;
@@ -143,7 +188,21 @@ public:
     // (airless) altitude, the amount to add (Sæmundsson 1986, Meeus eq. 16.4);
     // InverseRefraction: given an apparent altitude, the amount to remove
     // (Bennett 1982, Meeus eq. 16.3). Both radians, both 0 below −2° where
-    // the formulae break down, and both continuous.
+    // the formulae break down, and both continuous. Each formula carries
+    // Meeus's constant that makes it 0 at the zenith; the results are never
+    // negative. Accuracy against rigorous models about 4″ above 15° and 0.1′
+    // down to the horizon (Meeus ch. 16); actual refraction near the horizon
+    // varies with the weather by several arcminutes.
+    //
+    // Below the horizon: Sæmundsson's argument h + 10.3/(h + 5.11) turns back
+    // below h = −1.9° and Bennett's below −1.7°, so neither is used under
+    // −1° true altitude (Sæmundsson) or the apparent altitude that −1° is
+    // lifted to (−0.35°, Bennett). From there the refraction falls linearly
+    // to 0 at −2°. The apparent altitude h + Refraction(h) thus grows
+    // strictly and continuously with h everywhere, the two linear pieces are
+    // inverses of each other, and an object at −0.05 rad (−2.9°) is not
+    // lifted at all while one at −0.005 rad rises to about +0.004 rad.
+    // Non-finite input gives NaN.
     double Refraction(double trueAltitudeRad) const;
     double InverseRefraction(double apparentAltitudeRad) const;
 
@@ -153,18 +212,28 @@ public:
     // altitude h0 (geometric altitude of the centre at rise and set).
     // Altitudes are sampled every 10 minutes and crossings refined by bisection
     // to 1 second; a body that stays above or below h0 for the whole window is
-    // reported as such.
+    // reported as such. A body that only grazes h0 between two samples is
+    // caught by refining every sampled maximum or minimum that comes within
+    // 1° of h0. The transit is the upper meridian passage (hour angle 0).
+    // The window is at most 3660 days; longer, non-finite or non-positive
+    // windows give Kind::InvalidInput. The position function is called about
+    // 150 times per day of window plus about 20 times per event.
     RiseTransitSet FindRiseTransitSet(const ApparentPositionFn& position, double jdUTStart, double windowDays,
                                       double h0Rad) const;
     // First instant after jdUTStart (within windowDays) at which the body
     // crosses h0 rising (rising = true) or setting; nothing when it does not.
     std::optional<double> FindNextCrossing(const ApparentPositionFn& position, double jdUTStart, double windowDays,
                                            double h0Rad, bool rising) const;
-    // Geometric altitude (no refraction) of a body at ra/dec of date at jdUT.
+    // Geometric altitude (no refraction) of a body at ra/dec of date at jdUT,
+    // radians, for the site's latitude and longitude (apparent sidereal time).
     double AltitudeOf(double raRad, double decRad, double jdUT) const;
 
     // --- Map file block -------------------------------------------------------
-    // A fixed field sequence; FileLoad reads exactly what FileSave wrote.
+    // A fixed field sequence (docs/observer-block.md); FileLoad reads exactly
+    // what FileSave wrote. On a short read, or when the block holds values no
+    // observer can have (a non-finite number, a latitude beyond ±90°, a zone
+    // beyond ±14 h), the observer keeps its previous state; the reader's
+    // ShortRead() tells a truncated block from a damaged one.
     void FileSave(CByteWriter& out) const;
     void FileLoad(CByteReader& in);
 
@@ -172,6 +241,17 @@ private:
     void Invalidate();
     struct Cache;
     const Cache& InstantCache() const;
+    struct PrecessionAt;
+    struct NutationAt;
+    const PrecessionAt& PrecessionAtDate(double jdTT) const;
+    const NutationAt& NutationAtDate(double jdTT) const;
+    // Greenwich apparent sidereal time, radians, at a pair of UT and TT dates
+    // that belong together, through the caches above.
+    double GastRadAt(double jdUT, double jdTT) const;
+    // Hour angle in (−π, π] and geometric altitude, radians, of ra/dec of
+    // date at jdUT for the site.
+    void HourAngleAndAltitude(double raRad, double decRad, double jdUT, double& hourAngleRad,
+                              double& altitudeRad) const;
 
     std::string m_siteName = "Greenwich";
     double m_latitudeRad = 0.8980827862302452;  // 51°28'38" N
@@ -195,6 +275,25 @@ private:
         double meanObliquityRad = 0.0;
     };
     mutable Cache m_cache;
+
+    // The explicit-date forms keep the last date they were asked about (the
+    // planetary code asks several times for one date in a row); they take the
+    // instant's values when the date is the instant's.
+    struct PrecessionAt {
+        bool valid = false;
+        double jdTT = 0.0;
+        double matrix[3][3] = {};  // J2000 (GCRS) -> mean of date
+    };
+    struct NutationAt {
+        bool valid = false;
+        double jdTT = 0.0;
+        double matrix[3][3] = {};  // mean of date -> true of date
+        double dPsiRad = 0.0;
+        double dEpsRad = 0.0;
+        double meanObliquityRad = 0.0;
+    };
+    mutable PrecessionAt m_precessionAt;
+    mutable NutationAt m_nutationAt;
 };
 
 }  // namespace orv

@@ -7,6 +7,8 @@
 
 #include <cstdint>
 #include <numbers>
+#include <string>
+#include <string_view>
 
 namespace orv {
 
@@ -46,5 +48,25 @@ struct Sexagesimal {
     double seconds = 0.0;
 };
 Sexagesimal SplitSexagesimal(double value, int secondDecimals);
+
+}  // namespace orv
+
+namespace orv {
+
+// Parsing and printing of angles the way observers write them.
+//
+// Accepted forms: decimal ("83.633", "-5.39"), colon-separated
+// ("5:35:17.3", "-05:23:28"), and lettered ("5h35m17.3s", "-5d23m28s",
+// "-5°23′28″", "-5 23 28"). Hours are accepted only where hours are expected
+// (right ascension); a bare decimal number is then taken as hours unless it
+// carries a trailing "d" or "°".
+enum class AngleUnit { Degrees, Hours };
+// On success stores the angle in radians and returns true.
+bool ParseAngle(std::string_view text, AngleUnit unit, double& angleRad);
+
+// "05h35m17.30s" (right ascension, decimals of the seconds as given).
+std::string FormatHms(double angleRad, int secondDecimals = 2);
+// "+22°00′52.1″" style, with ASCII marks: "+22d00m52.1s" when asciiOnly.
+std::string FormatDms(double angleRad, int secondDecimals = 1, bool asciiOnly = false);
 
 }  // namespace orv

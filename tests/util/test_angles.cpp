@@ -79,3 +79,31 @@ TEST(Angles, SexagesimalCarriesRoundedSeconds)
     EXPECT_EQ(t.minutes, 30);
     EXPECT_NEAR_UNIT(45.0, t.seconds, 1e-9, kSame);
 }
+
+TEST(Angles, ParsesTheWaysObserversWriteAngles)
+{
+    double a = 0.0;
+    ASSERT_TRUE(ParseAngle("5h35m17.3s", AngleUnit::Hours, a));
+    EXPECT_NEAR_UNIT((5 + 35 / 60.0 + 17.3 / 3600.0) * 15 * kRadPerDeg, a, 1e-12, kArcsecFromRad);
+    ASSERT_TRUE(ParseAngle("05:35:17.3", AngleUnit::Hours, a));
+    EXPECT_NEAR_UNIT((5 + 35 / 60.0 + 17.3 / 3600.0) * 15 * kRadPerDeg, a, 1e-12, kArcsecFromRad);
+    ASSERT_TRUE(ParseAngle("83.633d", AngleUnit::Hours, a));  // degrees where hours are expected
+    EXPECT_NEAR_UNIT(83.633 * kRadPerDeg, a, 1e-12, kArcsecFromRad);
+    ASSERT_TRUE(ParseAngle("-5d23m28s", AngleUnit::Degrees, a));
+    EXPECT_NEAR_UNIT(-(5 + 23 / 60.0 + 28 / 3600.0) * kRadPerDeg, a, 1e-12, kArcsecFromRad);
+    ASSERT_TRUE(ParseAngle("-0 30 00", AngleUnit::Degrees, a));  // the sign of a zero-degree angle
+    EXPECT_NEAR_UNIT(-0.5 * kRadPerDeg, a, 1e-12, kArcsecFromRad);
+    ASSERT_TRUE(ParseAngle("+22\xC2\xB0" "00\xE2\x80\xB2" "52\xE2\x80\xB3", AngleUnit::Degrees, a));
+    EXPECT_NEAR_UNIT((22 + 52 / 3600.0) * kRadPerDeg, a, 1e-12, kArcsecFromRad);
+    EXPECT_FALSE(ParseAngle("", AngleUnit::Degrees, a));
+    EXPECT_FALSE(ParseAngle("abc", AngleUnit::Degrees, a));
+    EXPECT_FALSE(ParseAngle("10:75:00", AngleUnit::Degrees, a));  // 75 minutes
+}
+
+TEST(Angles, FormatsWithCarriedRounding)
+{
+    EXPECT_EQ(FormatHms((5 + 35 / 60.0 + 17.3 / 3600.0) * 15 * kRadPerDeg, 1), "05h35m17.3s");
+    EXPECT_EQ(FormatHms(kTwoPi - 1e-10, 1), "00h00m00.0s");
+    EXPECT_EQ(FormatDms(-(5 + 23 / 60.0 + 28 / 3600.0) * kRadPerDeg, 0, true), "-05d23m28s");
+    EXPECT_EQ(FormatDms(-0.1 * kRadPerArcsec, 1, true), "-00d00m00.1s");
+}
