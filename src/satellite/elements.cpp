@@ -227,6 +227,13 @@ int CSatelliteList::Find(std::string_view nameOrNumber) const
         for (std::size_t i = 0; i < m_records.size(); ++i)
             if (m_records[i].catalogNumber == number) return static_cast<int>(i);
     }
+    // Last, the first name that begins with the text.
+    for (std::size_t i = 0; i < m_records.size(); ++i) {
+        std::string_view n = m_records[i].name;
+        while (!n.empty() && IsBlank(n.front())) n.remove_prefix(1);
+        if (n.size() > nameOrNumber.size() && equalNoCase(n.substr(0, nameOrNumber.size()), nameOrNumber))
+            return static_cast<int>(i);
+    }
     return -1;
 }
 

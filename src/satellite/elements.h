@@ -78,7 +78,8 @@ public:
 
     // Index of the first satellite whose name equals `name` (ignoring case and
     // surrounding blanks) or, when `name` is a number, whose catalogue number
-    // is that number; -1 when none matches.
+    // is that number, or else whose name begins with `name`; -1 when none
+    // matches.
     int Find(std::string_view nameOrNumber) const;
 
 private:
