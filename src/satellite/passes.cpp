@@ -91,6 +91,7 @@ bool WalkSatellite(const SatelliteRecord& record, int index, const SatelliteSite
         SatellitePass pass;
         pass.satelliteIndex = index;
         double lastJd = jd;
+        bool reachedEnd = false;
         for (long step = 0;; ++step) {
             if (pass.points.size() < kMaxPassPoints) pass.points.push_back(point);
             if (pass.pointCount == 0 || point.elevationRad > pass.maxElevationRad) {
@@ -100,13 +101,18 @@ bool WalkSatellite(const SatelliteRecord& record, int index, const SatelliteSite
             ++pass.pointCount;
             lastJd = point.jdUT;
             const double next = jd + (step + 1) * rules.stepDays;
-            if (next >= rules.endJdUT) break;
+            if (next >= rules.endJdUT) {
+                reachedEnd = true;
+                break;
+            }
             if (!Observable(propagator, site, rules, next, point, failed)) break;
         }
         if (pass.pointCount > kMaxPassPoints) pass.display = SatellitePass::Display::TooManyPoints;
         const bool highEnough = rules.minimumAltitude == PassMinimumAltitude::Ignore ||
                                 pass.maxElevationRad >= rules.minimumAltitudeRad;
         if (highEnough) passes.push_back(std::move(pass));
+        // A pass still going on when the period ends closes the walk.
+        if (reachedEnd) break;
 
         // Resume one minute after the last point.
         const long lastMinute = static_cast<long>(std::floor((lastJd - rules.startJdUT) * kMinutesPerDay + 1e-6));

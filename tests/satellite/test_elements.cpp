@@ -66,8 +66,8 @@ TEST(ElementSet, TwoDigitYears)
     EXPECT_NEAR_UNIT(2436116.31, r.epochJd, 1e-6, kSecondsFromDays);
     const SatelliteRecord s = ParseElementSet(
         "X", "1 00001U 57001A   56001.00000000  .00000000  00000-0  00000-0 0    10", kLine2);
-    // 2056 January 1.0 = JD 2471733.5 (Meeus eq. 7.1).
-    EXPECT_NEAR_UNIT(2471733.5, s.epochJd, 1e-6, kSecondsFromDays);
+    // 2056 January 1.0 = JD 2471998.5 (Meeus eq. 7.1).
+    EXPECT_NEAR_UNIT(2471998.5, s.epochJd, 1e-6, kSecondsFromDays);
 }
 
 TEST(ElementSet, FieldsThatDoNotConvertReadAsZero)
@@ -86,10 +86,12 @@ TEST(ElementSet, FieldsThatDoNotConvertReadAsZero)
 
 TEST(ElementSet, PeriodAndModelChoice)
 {
-    // Vanguard 1: 10.824 rev/day, Kozai to Brouwer changes the period by
-    // about 1 part in 10^4: 1440/10.82419157 = 133.037 min.
+    // Vanguard 1: 1440 / 10.82419157 = 133.0366 min with the Kozai mean
+    // motion; the Brouwer mean motion is slower by 1 + δ0 = 1.0004903
+    // (δ0 = 1.5 k2 (3 cos² i − 1) / (a0² (1 − e²)^1.5), a0 = 1.353236 Earth
+    // radii): 133.1006 min.
     const SatelliteRecord r = ParseElementSet("X", kLine1, kLine2);
-    EXPECT_NEAR(r.periodMinutes, 133.05, 0.05);
+    EXPECT_NEAR(r.periodMinutes, 133.1006, 0.0001);
     EXPECT_EQ(ModelForPeriod(224.999), OrbitModel::Sgp4NearEarth);
     EXPECT_EQ(ModelForPeriod(225.0), OrbitModel::Sdp4DeepSpace);
     SatelliteRecord exact = r;

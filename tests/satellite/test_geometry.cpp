@@ -164,7 +164,9 @@ TEST(LookAngles, GeometryOfZenithEastAndNorth)
         return ComputeLookAngles(s, site, jd);
     };
     const LookAngles zenith = at(up, 1000.0);
-    EXPECT_NEAR_UNIT(kHalfPi, zenith.elevationRad, 1e-9, kArcsecFromRad);
+    // Sæmundsson's formula gives −0.0019' at the zenith.
+    EXPECT_NEAR_UNIT(kHalfPi - 0.0019 / 60 * kRadPerDeg, zenith.elevationRad, 0.0002 / 60 * kRadPerDeg,
+                     kArcsecFromRad);
     EXPECT_NEAR(zenith.rangeKm, 1000.0, 1e-6);
     EXPECT_NEAR(zenith.rangeRateKmPerS, 2.0, 1e-9);
     EXPECT_EQ(zenith.horizon, Horizon::Above);
@@ -197,9 +199,10 @@ TEST(Illumination, UmbraPenumbraAndSunlitAtTheShadowEdge)
     EXPECT_EQ(ComputeIllumination({-7000.0, kEarthRadiusKm + 100.0, 0.0}, sun), Illumination::Sunlit);
     // Inside the Earth counts as umbra.
     EXPECT_EQ(ComputeIllumination({100.0, 0.0, 0.0}, sun), Illumination::Umbra);
-    // Far out (beyond the umbra's tip, 1.4 million km) the Earth is smaller
-    // than the Sun: no umbra, only penumbra on the axis.
-    EXPECT_EQ(ComputeIllumination({-2.0e6, 0.0, 0.0}, sun), Illumination::Penumbra);
+    // Beyond the umbra's tip (1.4 million km) the Earth seen from the axis
+    // lies wholly inside the solar disc: that counts as sunlit.
+    EXPECT_EQ(ComputeIllumination({-2.0e6, 0.0, 0.0}, sun), Illumination::Sunlit);
+    EXPECT_EQ(ComputeIllumination({-2.0e6, 3000.0, 0.0}, sun), Illumination::Penumbra);
 }
 
 TEST(SunElevation, NoonAndMidnightAtGreenwich)

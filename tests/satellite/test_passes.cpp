@@ -251,7 +251,9 @@ TEST(GroundTrack, StepsOrbitAndIssHeight)
         EXPECT_GT(p.heightKm, 395.0);
         EXPECT_LT(p.heightKm, 440.0);
         EXPECT_NEAR(p.speedKmPerS, 7.66, 0.03);
-        EXPECT_LE(std::fabs(p.latitudeRad), 51.7 * kRadPerDeg);
+        // Geodetic latitude reaches a little beyond the inclination (51.64°)
+        // on the flattened Earth: at most 51.64° + 0.19° at 420 km.
+        EXPECT_LE(std::fabs(p.latitudeRad), 51.85 * kRadPerDeg);
     }
     settings.groundTrackDuration = GroundTrackDuration::OneOrbit;
     settings.groundTrackIntervalMin = 5;
