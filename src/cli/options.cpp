@@ -122,6 +122,13 @@ bool ApplyTimeOptions(const Context& ctx, CObserverDoc& observer, std::string& e
         t.minute = 0;
         t.second = 0.0;
     }
+    CivilDateTime day = t;
+    day.second = 0.0;  // a leap second's 60.x is allowed
+    if (!IsValidCivilDateTime(day)) {
+        error = "no such date: \"" + dateText.value_or("") + "\"";
+        if (t.year == 1582 && t.month == 10) error += " (1582 October 5-14 were skipped)";
+        return false;
+    }
     if (ctx.args.Has("utc"))
         observer.SetUniversalTime(t);
     else

@@ -24,6 +24,13 @@ constexpr double kHoursPerRad = 12.0 / kPi;
 constexpr double kUnixEpochJd = 2440587.5;
 // Civil time zones run from UTC−12 to UTC+14.
 constexpr double kMaxZoneHours = 14.0;
+// Instants are accepted within ±1e8 days (some 270,000 years) of J2000: far
+// beyond any use, and inside the range where ΔT, the precession polynomials
+// and the calendar all stay finite.
+constexpr double kJ2000Jd = 2451545.0;
+constexpr double kMaxDaysFromJ2000 = 1e8;
+
+bool PlausibleInstant(double jdUT) { return std::isfinite(jdUT) && std::fabs(jdUT - kJ2000Jd) <= kMaxDaysFromJ2000; }
 
 constexpr const char* kSection = "Observer";
 
@@ -137,7 +144,7 @@ void CObserverDoc::SetTimeZone(double hoursEast, bool daylightSaving)
 
 void CObserverDoc::SetJulianDate(double jdUT)
 {
-    if (!std::isfinite(jdUT) || jdUT == m_jdUT) return;
+    if (!PlausibleInstant(jdUT) || jdUT == m_jdUT) return;
     m_jdUT = jdUT;
     Invalidate();
 }
@@ -354,7 +361,7 @@ void CObserverDoc::FileLoad(CByteReader& in)
     ok = in.I16(daylightSaving) && ok;
     ok = in.F64(jdUT) && ok;
     if (!ok || !PlausibleSite(latitudeRad, longitudeRad, heightM) || !PlausibleZone(zoneHours) ||
-        !std::isfinite(jdUT))
+        !PlausibleInstant(jdUT))
         return;
     SetSite(name, latitudeRad, longitudeRad, heightM);
     SetTimeZone(zoneHours, daylightSaving != 0);

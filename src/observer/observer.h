@@ -41,13 +41,15 @@ struct CivilDateTime {
 
 // Julian date of a civil date and time (the calendar rule above). Meeus,
 // Astronomical Algorithms, 2nd ed., ch. 7, with floor() in place of INT so
-// that negative years and Julian dates are handled too. Fields out of their
-// range carry arithmetically (hour 24 is the next day); the ten dates
-// 1582 October 5–14 that no calendar has are counted in the Julian calendar.
+// that negative years and Julian dates are handled too. The month must be
+// 1–12; day, hour, minute and second beyond their range carry arithmetically
+// (hour 24 is the next day). The ten dates 1582 October 5–14 that no calendar
+// has are counted in the Julian calendar.
 double JulianDateFromCivil(const CivilDateTime& civil);
 // The civil date and time of a Julian date (inverse of the above), seconds
 // rounded to the millisecond with carries propagated. Any finite jd, including
-// negative ones (before −4712 January 1.5).
+// negative ones (before −4712 January 1.5); beyond ±1e9 days (2.7 million
+// years) the date of that limit. Non-finite input gives the default date.
 CivilDateTime CivilFromJulianDate(double jd);
 // True when every field is in its range: month 1–12, a day that the month has
 // in its calendar (February 29 in Julian century years; not 1582 October
@@ -55,7 +57,7 @@ CivilDateTime CivilFromJulianDate(double jd);
 bool IsValidCivilDateTime(const CivilDateTime& civil);
 // The year as a continuous number: the calendar year plus the fraction of it
 // elapsed at jd (1972.0 is 1972 January 1, 0h). The year argument of the
-// ΔT expressions.
+// ΔT expressions. Beyond ±1e9 days, Gregorian years counted from 2000.
 double DecimalYearFromJulianDate(double jd);
 
 // ΔT = TT − UT in seconds for a Julian date on the UT scale.
@@ -69,8 +71,8 @@ double DecimalYearFromJulianDate(double jd);
 // the table's end the difference (about −6 s: the expressions foresaw a
 // faster slowing of the Earth than happened) is faded out linearly over ten
 // years, so that ΔT never changes faster than about 1.3 s per year, no faster
-// than it has been measured to. ΔT steps by one second at each leap second,
-// as TT − UTC does. NaN for non-finite input.
+// than it has been measured to change. ΔT steps by one second at each leap
+// second, as TT − UTC does. NaN for non-finite input.
 double DeltaTSeconds(double jdUT);
 // The expressions of Espenak and Meeus alone, for a decimal year (above),
 // seconds; the long-term parabola outside −1999 … +3000.
@@ -99,7 +101,7 @@ struct RiseTransitSet {
     std::optional<double> riseJdUT;     // first rise within the search window
     std::optional<double> transitJdUT;  // upper transit within the window
     std::optional<double> setJdUT;      // first set within the window
-    double transitAltitudeRad = 0.0;  // geometric altitude at the transit, when there is one
+    double transitAltitudeRad = 0.0;    // geometric altitude at the transit, when there is one
 };
 
 // Apparent geocentric right ascension and declination of date (radians) of a
@@ -122,7 +124,11 @@ public:
     void SaveSettings(CSettingsStore& store) const;
 
     // --- Site ----------------------------------------------------------------
+    // Non-finite values are refused (the call changes nothing); the latitude
+    // is clamped to ±π/2, the longitude brought into (−π, π]. Nothing cached
+    // depends on the site, so a new site costs nothing.
     void SetSite(const std::string& name, double latitudeRad, double longitudeRad, double heightM);
+    // hoursEast is clamped to ±14 (the range of civil zones); non-finite refused.
     void SetTimeZone(double hoursEast, bool daylightSaving);
     const std::string& SiteName() const { return m_siteName; }
     double LatitudeRad() const { return m_latitudeRad; }
@@ -134,6 +140,9 @@ public:
     double LocalOffsetHours() const { return m_timeZoneHours + (m_daylightSaving ? 1.0 : 0.0); }
 
     // --- Instant ---------------------------------------------------------------
+    // A new instant empties the instant's cache; it is refilled on the next
+    // question that needs it. Instants more than 1e8 days (some 270,000
+    // years) from J2000, and non-finite ones, are refused.
     void SetJulianDate(double jdUT);
     void SetUniversalTime(const CivilDateTime& ut);
     void SetLocalTime(const CivilDateTime& local);
@@ -163,7 +172,8 @@ public:
     // --- Precession and nutation ---------------------------------------------
     // Precess the unit vector v in place between the mean equator and equinox
     // of J2000.0 and those of the observer's date (TT) or of `jdTT`:
-    // direction −1 takes J2000 to the date, +1 the date back to J2000.
+    // direction −1 takes J2000 to the date, +1 the date back to J2000 (0
+    // leaves v as it is).
     // IAU 2006 (ERFA eraPmat06). The frame bias is included, so J2000 here is
     // the ICRS/GCRS frame of the catalogues.
     void PrecessXYZ(double v[3], int direction) const;
@@ -184,24 +194,23 @@ public:
     double TrueObliquity() const;
 
     // --- Refraction ----------------------------------------------------------
-    // At standard conditions (1010 hPa, 10 °C). Refraction: given a true
-    // (airless) altitude, the amount to add (Sæmundsson 1986, Meeus eq. 16.4);
-    // InverseRefraction: given an apparent altitude, the amount to remove
-    // (Bennett 1982, Meeus eq. 16.3). Both radians, both 0 below −2° where
-    // the formulae break down, and both continuous. Each formula carries
-    // Meeus's constant that makes it 0 at the zenith; the results are never
-    // negative. Accuracy against rigorous models about 4″ above 15° and 0.1′
-    // down to the horizon (Meeus ch. 16); actual refraction near the horizon
-    // varies with the weather by several arcminutes.
+    // At standard conditions (1010 hPa, 10 °C), radians, never negative.
+    // Refraction: given a true (airless) altitude, the amount to add
+    // (Sæmundsson 1986, Meeus eq. 16.4, with Meeus's constant that makes it
+    // 0 at the zenith). InverseRefraction: given an apparent altitude, the
+    // amount to remove — the exact numerical inverse of Refraction (to
+    // 1e-14 rad), so that converting to the horizon and back returns the
+    // same place; Bennett's direct formula (Meeus eq. 16.3), which agrees to
+    // 4″, only seeds the solution. Sæmundsson follows Garfinkel's tables
+    // to 0.1′; actual refraction near the horizon varies with the weather by
+    // several arcminutes.
     //
     // Below the horizon: Sæmundsson's argument h + 10.3/(h + 5.11) turns back
-    // below h = −1.9° and Bennett's below −1.7°, so neither is used under
-    // −1° true altitude (Sæmundsson) or the apparent altitude that −1° is
-    // lifted to (−0.35°, Bennett). From there the refraction falls linearly
-    // to 0 at −2°. The apparent altitude h + Refraction(h) thus grows
-    // strictly and continuously with h everywhere, the two linear pieces are
-    // inverses of each other, and an object at −0.05 rad (−2.9°) is not
-    // lifted at all while one at −0.005 rad rises to about +0.004 rad.
+    // below h = −1.9°, so the formula is used down to −1° true altitude and
+    // the refraction then falls linearly to 0 at −2°. The apparent altitude
+    // h + Refraction(h) thus grows strictly and continuously with h
+    // everywhere; an object at −0.05 rad (−2.9°) is not lifted at all while
+    // one at −0.005 rad rises to about +0.004 rad.
     // Non-finite input gives NaN.
     double Refraction(double trueAltitudeRad) const;
     double InverseRefraction(double apparentAltitudeRad) const;
@@ -217,7 +226,7 @@ public:
     // 1° of h0. The transit is the upper meridian passage (hour angle 0).
     // The window is at most 3660 days; longer, non-finite or non-positive
     // windows give Kind::InvalidInput. The position function is called about
-    // 150 times per day of window plus about 20 times per event.
+    // 145 times per day of window plus about 11 times per event.
     RiseTransitSet FindRiseTransitSet(const ApparentPositionFn& position, double jdUTStart, double windowDays,
                                       double h0Rad) const;
     // First instant after jdUTStart (within windowDays) at which the body
@@ -232,7 +241,8 @@ public:
     // A fixed field sequence (docs/observer-block.md); FileLoad reads exactly
     // what FileSave wrote. On a short read, or when the block holds values no
     // observer can have (a non-finite number, a latitude beyond ±90°, a zone
-    // beyond ±14 h), the observer keeps its previous state; the reader's
+    // beyond ±14 h, an instant refused by SetJulianDate), the observer keeps
+    // its previous state; the reader's
     // ShortRead() tells a truncated block from a damaged one.
     void FileSave(CByteWriter& out) const;
     void FileLoad(CByteReader& in);

@@ -73,18 +73,37 @@ double CObserverDoc::Refraction(double trueAltitudeRad) const
 
 double CObserverDoc::InverseRefraction(double apparentAltitudeRad) const
 {
+    // The exact inverse of Refraction: the true altitude h with
+    // h + Refraction(h) = h0, so that every conversion to the horizon and
+    // back (a click on the chart, a centre held in altitude) returns where it
+    // started. Bennett's formula, the direct form for apparent altitudes,
+    // agrees with it to 4″ and serves as the starting value. h + R(h) rises
+    // strictly with h, so the root is bracketed in [h0 − 2°, h0] and a
+    // safeguarded Newton step converges; the loop is bounded besides.
     if (std::isnan(apparentAltitudeRad)) return std::numeric_limits<double>::quiet_NaN();
-    const double h0Deg = apparentAltitudeRad * kDegPerRad;
+    const double h0 = apparentAltitudeRad;
+    const double h0Deg = h0 * kDegPerRad;
     if (h0Deg <= kZeroRefractionAltDeg || h0Deg >= 90.0) return 0.0;
-    const Continuation& joins = Joins();
-    double refractionDeg;
-    if (h0Deg >= joins.apparentJoinAltDeg) {
-        refractionDeg = BennettArcmin(h0Deg) / kArcminPerDeg;
-    } else {
-        refractionDeg = joins.apparentJoinRefractionDeg * (h0Deg - kZeroRefractionAltDeg) /
-                        (joins.apparentJoinAltDeg - kZeroRefractionAltDeg);
+    double lo = h0 - 2.0 * kRadPerDeg, hi = h0;
+    double h = h0 - BennettArcmin(std::fmax(h0Deg, Joins().apparentJoinAltDeg)) / kArcminPerDeg * kRadPerDeg;
+    if (!(h > lo && h < hi)) h = 0.5 * (lo + hi);
+    for (int i = 0; i < 60; ++i) {
+        const double f = h + Refraction(h) - h0;
+        if (f > 0.0)
+            hi = h;
+        else
+            lo = h;
+        const double step = 1e-7;
+        const double slope = 1.0 + (Refraction(h + step) - Refraction(h - step)) / (2.0 * step);
+        double next = h - f / slope;
+        if (!(next > lo && next < hi)) next = 0.5 * (lo + hi);
+        if (std::fabs(next - h) < 1e-15 || hi - lo < 1e-15) {
+            h = next;
+            break;
+        }
+        h = next;
     }
-    return std::fmax(refractionDeg, 0.0) * kRadPerDeg;
+    return std::fmax(h0 - h, 0.0);
 }
 
 }  // namespace orv

@@ -18,6 +18,9 @@ namespace {
 // First Julian day number (at noon) of the Gregorian calendar: 1582 October 15.
 constexpr std::int64_t kFirstGregorianDayNumber = 2299161;
 constexpr double kMjdZeroJd = 2400000.5;
+// Calendar dates are worked out for Julian dates within ±1e9 days (some 2.7
+// million years), where every intermediate fits its integer type.
+constexpr double kMaxCalendarJd = 1e9;
 
 bool IsGregorian(int year, int month, int day)
 {
@@ -145,6 +148,7 @@ CivilDateTime CivilFromJulianDate(double jd)
 {
     CivilDateTime out;
     if (!std::isfinite(jd)) return out;
+    jd = std::clamp(jd, -kMaxCalendarJd, kMaxCalendarJd);
     // Days begin at jd x.5; round the time of day to the millisecond first so
     // that a carry reaches the date.
     constexpr std::int64_t kMsPerDay = 86400000;
@@ -180,6 +184,7 @@ bool IsValidCivilDateTime(const CivilDateTime& c)
 double DecimalYearFromJulianDate(double jd)
 {
     if (!std::isfinite(jd)) return std::numeric_limits<double>::quiet_NaN();
+    if (std::fabs(jd) > kMaxCalendarJd) return 2000.0 + (jd - 2451544.5) / 365.2425;
     const CalendarDay day = CalendarDayOf(static_cast<std::int64_t>(std::floor(jd + 0.5)));
     const double yearStart = JulianDateOfDay(day.year, 1, 1.0, IsGregorian(day.year, 1, 1));
     const double nextYearStart = JulianDateOfDay(day.year + 1, 1, 1.0, IsGregorian(day.year + 1, 1, 1));

@@ -1,0 +1,87 @@
+// orvane-databuild: builds Orvane's star catalogue files from the sources that
+// tools/fetch-sources.sh gathers.
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "catalogbuild.h"
+#include "util/datapath.h"
+
+namespace {
+
+void Usage(std::FILE* to)
+{
+    std::fputs(
+        "usage: orvane-databuild [--sources DIR] [--tycho2 DIR] [--stellarium DIR] [--out DATA_FOLDER]\n"
+        "\n"
+        "Builds the Tycho-2 star files (star/Tycho2/*, data/rgnbound.dat) into the data folder.\n"
+        "  --sources DIR     the folder filled by tools/fetch-sources.sh (default: data-sources)\n"
+        "  --tycho2 DIR      the Tycho-2 files (default: DIR/tycho2)\n"
+        "  --stellarium DIR  stellarium-data's share folder, holding stars/ and skycultures/\n"
+        "                    (default: DIR/stellarium-data/usr/share/stellarium)\n"
+        "  --out FOLDER      the data folder to write (default: the program's data folder)\n",
+        to);
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    namespace fs = std::filesystem;
+    std::string sources = "data-sources";
+    orv::databuild::BuildOptions options;
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        auto value = [&](std::string& into) {
+            if (i + 1 >= argc) {
+                std::fprintf(stderr, "orvane-databuild: %s needs a value\n", arg.c_str());
+                std::exit(2);
+            }
+            into = argv[++i];
+        };
+        if (arg == "--sources") value(sources);
+        else if (arg == "--tycho2") value(options.tycho2Dir);
+        else if (arg == "--stellarium") value(options.stellariumDir);
+        else if (arg == "--out") value(options.outputDir);
+        else if (arg == "--help" || arg == "-h") {
+            Usage(stdout);
+            return 0;
+        } else {
+            std::fprintf(stderr, "orvane-databuild: unknown argument %s\n", arg.c_str());
+            Usage(stderr);
+            return 2;
+        }
+    }
+    if (options.tycho2Dir.empty()) options.tycho2Dir = (fs::path(sources) / "tycho2").string();
+    if (options.stellariumDir.empty())
+        options.stellariumDir = (fs::path(sources) / "stellarium-data" / "usr" / "share" / "stellarium").string();
+    if (options.outputDir.empty()) options.outputDir = orv::GetDataPath();
+    if (!fs::is_directory(options.tycho2Dir)) {
+        std::fprintf(stderr,
+                     "orvane-databuild: no Tycho-2 folder at %s\n"
+                     "(run tools/fetch-sources.sh first, or give --sources/--tycho2)\n",
+                     options.tycho2Dir.c_str());
+        return 1;
+    }
+
+    const auto start = std::chrono::steady_clock::now();
+    std::printf("orvane-databuild: writing into %s\n", options.outputDir.c_str());
+    std::string error;
+    const bool ok = orv::databuild::RunBuild(
+        options,
+        [&](const std::string& line) {
+            const double s = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+            std::printf("[%6.1f s] %s\n", s, line.c_str());
+            std::fflush(stdout);
+        },
+        error);
+    if (!ok) {
+        std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
+        std::fprintf(stderr, "orvane-databuild: nothing was replaced after this point; existing files are intact\n");
+        return 1;
+    }
+    std::printf("orvane-databuild: done\n");
+    return 0;
+}
