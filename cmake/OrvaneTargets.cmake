@@ -85,10 +85,15 @@ function(orvane_check_core_targets)
 endfunction()
 
 # Adds a GoogleTest executable registered with CTest.
+# With OWN_MAIN the sources bring their own main() (GUI tests that need a
+# QApplication for their whole run).
 function(orvane_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "OWN_MAIN" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE ${ARG_LINKS} orvane_testsupport GTest::gtest GTest::gtest_main)
+  target_link_libraries(${name} PRIVATE ${ARG_LINKS} orvane_testsupport GTest::gtest)
+  if(NOT ARG_OWN_MAIN)
+    target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  endif()
   orvane_set_warnings(${name})
   include(GoogleTest)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60

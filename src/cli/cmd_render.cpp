@@ -8,7 +8,7 @@
 #include "cli/cli.h"
 #include "cli/mapoptions.h"
 #include "cli/options.h"
-#include "map/mapexport.h"
+#include "map/chartexport.h"
 #include "map/mapfile.h"
 #include "map/mapview.h"
 #include "util/angles.h"
@@ -41,7 +41,7 @@ int ListFormats(Context& ctx)
 {
     if (ctx.json) {
         QJsonArray list;
-        for (const PictureFormat& f : ExportFormats()) {
+        for (const ExportFormat& f : ExportFormats()) {
             QJsonObject o;
             o["name"] = QString::fromStdString(f.name);
             o["description"] = QString::fromStdString(f.description);
@@ -55,7 +55,7 @@ int ListFormats(Context& ctx)
         out["filter"] = QString::fromStdString(ExportFileFilter());
         PrintJson(ctx.out, out);
     } else {
-        for (const PictureFormat& f : ExportFormats()) {
+        for (const ExportFormat& f : ExportFormats()) {
             ctx.out << f.name << std::string(f.name.size() < 8 ? 8 - f.name.size() : 1, ' ');
             for (std::size_t i = 0; i < f.extensions.size(); ++i) ctx.out << (i ? " ." : ".") << f.extensions[i];
             ctx.out << "  " << f.description << '\n';

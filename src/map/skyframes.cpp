@@ -39,6 +39,25 @@ const IEarthVelocitySource& EarthVelocitySource()
 
 void SetEarthVelocitySource(const IEarthVelocitySource* source) { g_velocitySource.store(source); }
 
+namespace {
+// The Earth's velocity depends only on the instant; a chart asks for it for
+// every position of the same instant, so the last value is kept (per thread,
+// for the source that gave it).
+EarthVelocity VelocityAt(double jdTT)
+{
+    thread_local const IEarthVelocitySource* lastSource = nullptr;
+    thread_local double lastJdTT = 0.0;
+    thread_local EarthVelocity last;
+    const IEarthVelocitySource* source = &EarthVelocitySource();
+    if (source != lastSource || jdTT != lastJdTT) {
+        last = source->AtTT(jdTT);
+        lastSource = source;
+        lastJdTT = jdTT;
+    }
+    return last;
+}
+}  // namespace
+
 void SphericalToVector(double lonRad, double latRad, double v[3])
 {
     const double cosLat = std::cos(latRad);
@@ -115,7 +134,7 @@ void CatalogueToDate(const CObserverDoc& observer, double& raRad, double& decRad
 {
     double v[3];
     SphericalToVector(raRad, decRad, v);
-    if (place == Place::Apparent) ApplyAberration(v, EarthVelocitySource().AtTT(observer.JulianDateTDT()));
+    if (place == Place::Apparent) ApplyAberration(v, VelocityAt(observer.JulianDateTDT()));
     observer.PrecessXYZ(v, -1);
     if (place == Place::Apparent) observer.NutateXYZ(v);
     VectorToSpherical(v, raRad, decRad);
@@ -125,7 +144,7 @@ void CatalogueToDateAt(const CObserverDoc& observer, double& raRad, double& decR
 {
     double v[3];
     SphericalToVector(raRad, decRad, v);
-    ApplyAberration(v, EarthVelocitySource().AtTT(jdTT));
+    ApplyAberration(v, VelocityAt(jdTT));
     observer.PrecessXYZ(v, jdTT, -1);
     observer.NutateXYZ(v, jdTT);
     VectorToSpherical(v, raRad, decRad);
@@ -148,7 +167,7 @@ void DateToCatalogue(const CObserverDoc& observer, double& raRad, double& decRad
     // Aberration is not a rotation: invert it by fixed-point iteration on the
     // catalogue direction. It moves a star by at most ~20″, so each pass gains
     // about four orders of magnitude; three passes reach 1e-12 rad.
-    const EarthVelocity velocity = EarthVelocitySource().AtTT(observer.JulianDateTDT());
+    const EarthVelocity velocity = VelocityAt(observer.JulianDateTDT());
     double p[3] = {target[0], target[1], target[2]};
     for (int pass = 0; pass < 4; ++pass) {
         double q[3] = {p[0], p[1], p[2]};

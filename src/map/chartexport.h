@@ -18,7 +18,7 @@
 namespace orv {
 
 // One format the export can write.
-struct PictureFormat {
+struct ExportFormat {
     std::string name;                     // "PNG", "JPEG", "PDF", "SVG"
     std::string description;              // "Portable Network Graphics"
     std::vector<std::string> extensions;  // lower case, without the dot; the first is the usual one
@@ -27,14 +27,14 @@ struct PictureFormat {
 
 // Every format the export can write: FreeImage's writable formats, then PDF
 // and SVG.
-const std::vector<PictureFormat>& ExportFormats();
+const std::vector<ExportFormat>& ExportFormats();
 
 // The file dialog's filter: "PNG - Portable Network Graphics (*.png);;…",
 // one entry per format, PNG first.
 std::string ExportFileFilter();
 
 // The format a file name asks for (by its extension, any case), or nullptr.
-const PictureFormat* ExportFormatForFile(const std::string& path);
+const ExportFormat* ExportFormatForFile(const std::string& path);
 
 enum class ExportStatus {
     Ok,
@@ -68,5 +68,8 @@ struct ExportRequest {
 // screen is not touched (the renderer keeps exports apart from the window).
 ExportResult ExportChart(CChartRenderer& renderer, CMapView& view, const RenderOptions& options,
                          const ExportRequest& request);
+// The same at 96 pixels per inch.
+ExportResult ExportChart(CChartRenderer& renderer, CMapView& view, const RenderOptions& options,
+                         const std::string& path, int widthPx, int heightPx);
 
 }  // namespace orv

@@ -1,4 +1,4 @@
-#include "map/mapexport.h"
+#include "map/chartexport.h"
 
 #include <FreeImage.h>
 
@@ -56,15 +56,15 @@ bool Writable(FREE_IMAGE_FORMAT fif)
            FreeImage_FIFSupportsExportType(fif, FIT_RGBF);
 }
 
-std::vector<PictureFormat> BuildFormats()
+std::vector<ExportFormat> BuildFormats()
 {
     InitialiseFreeImage();
-    std::vector<PictureFormat> out;
+    std::vector<ExportFormat> out;
     const int count = FreeImage_GetFIFCount();
     for (int i = 0; i < count; ++i) {
         const auto fif = static_cast<FREE_IMAGE_FORMAT>(i);
         if (!Writable(fif)) continue;
-        PictureFormat f;
+        ExportFormat f;
         f.name = FreeImage_GetFormatFromFIF(fif) ? FreeImage_GetFormatFromFIF(fif) : "";
         f.description = FreeImage_GetFIFDescription(fif) ? FreeImage_GetFIFDescription(fif) : f.name;
         f.freeImageFormat = i;
@@ -79,7 +79,7 @@ std::vector<PictureFormat> BuildFormats()
         out.push_back(std::move(f));
     }
     // PNG first: the usual choice for charts (lossless, small for flat colours).
-    std::stable_partition(out.begin(), out.end(), [](const PictureFormat& f) { return f.name == "PNG"; });
+    std::stable_partition(out.begin(), out.end(), [](const ExportFormat& f) { return f.name == "PNG"; });
     out.push_back({"PDF", "Portable Document Format", {"pdf"}, -1});
     out.push_back({"SVG", "Scalable Vector Graphics", {"svg"}, -1});
     return out;
@@ -165,7 +165,7 @@ Dib Converted(FIBITMAP* rgb24, FREE_IMAGE_FORMAT fif, bool& ok)
 }
 
 ExportResult ExportRaster(CChartRenderer& renderer, CMapView& view, const RenderOptions& options,
-                          const ExportRequest& req, const PictureFormat& format, ExportResult r)
+                          const ExportRequest& req, const ExportFormat& format, ExportResult r)
 {
     InitialiseFreeImage();
     const auto fif = static_cast<FREE_IMAGE_FORMAT>(format.freeImageFormat);
@@ -270,16 +270,16 @@ ExportResult ExportSvg(CChartRenderer& renderer, CMapView& view, const RenderOpt
 
 }  // namespace
 
-const std::vector<PictureFormat>& ExportFormats()
+const std::vector<ExportFormat>& ExportFormats()
 {
-    static const std::vector<PictureFormat> formats = BuildFormats();
+    static const std::vector<ExportFormat> formats = BuildFormats();
     return formats;
 }
 
 std::string ExportFileFilter()
 {
     std::string out;
-    for (const PictureFormat& f : ExportFormats()) {
+    for (const ExportFormat& f : ExportFormats()) {
         if (!out.empty()) out += ";;";
         out += f.name + " - " + f.description + " (";
         for (std::size_t i = 0; i < f.extensions.size(); ++i) {
@@ -291,7 +291,7 @@ std::string ExportFileFilter()
     return out;
 }
 
-const PictureFormat* ExportFormatForFile(const std::string& path)
+const ExportFormat* ExportFormatForFile(const std::string& path)
 {
     const std::string ext = ExtensionOf(path);
     if (ext.empty()) return nullptr;
@@ -300,10 +300,10 @@ const PictureFormat* ExportFormatForFile(const std::string& path)
     if (ext != "pdf" && ext != "svg") {
         InitialiseFreeImage();
         const FREE_IMAGE_FORMAT fif = FreeImage_GetFIFFromFilename(path.c_str());
-        for (const PictureFormat& f : ExportFormats())
+        for (const ExportFormat& f : ExportFormats())
             if (fif != FIF_UNKNOWN && f.freeImageFormat == static_cast<int>(fif)) return &f;
     }
-    for (const PictureFormat& f : ExportFormats())
+    for (const ExportFormat& f : ExportFormats())
         if (std::find(f.extensions.begin(), f.extensions.end(), ext) != f.extensions.end()) return &f;
     return nullptr;
 }
@@ -329,7 +329,7 @@ ExportResult ExportChart(CChartRenderer& renderer, CMapView& view, const RenderO
     r.path = request.path;
     r.widthPx = request.widthPx;
     r.heightPx = request.heightPx;
-    const PictureFormat* format = ExportFormatForFile(request.path);
+    const ExportFormat* format = ExportFormatForFile(request.path);
     if (format == nullptr) return Failure(r, ExportStatus::UnknownFormat);
     r.format = format->name;
     if (request.widthPx <= 0 || request.heightPx <= 0 || !(request.dpi > 0.0) || !std::isfinite(request.dpi))
@@ -337,6 +337,16 @@ ExportResult ExportChart(CChartRenderer& renderer, CMapView& view, const RenderO
     if (format->name == "PDF") return ExportPdf(renderer, view, options, request, r);
     if (format->name == "SVG") return ExportSvg(renderer, view, options, request, r);
     return ExportRaster(renderer, view, options, request, *format, r);
+}
+
+ExportResult ExportChart(CChartRenderer& renderer, CMapView& view, const RenderOptions& options,
+                         const std::string& path, int widthPx, int heightPx)
+{
+    ExportRequest request;
+    request.path = path;
+    request.widthPx = widthPx;
+    request.heightPx = heightPx;
+    return ExportChart(renderer, view, options, request);
 }
 
 }  // namespace orv

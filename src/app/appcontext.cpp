@@ -1,0 +1,87 @@
+#include "app/appcontext.h"
+
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include "app/qtsettingsstore.h"
+#include "util/settingsstore.h"
+
+namespace orv {
+
+namespace {
+constexpr const char* kSettings = "Settings";
+}
+
+CAppContext::CAppContext(CSettingsStore& settings, QObject* parent)
+    : QObject(parent), m_settings(settings), m_catalogues(std::make_unique<CChartCatalogues>())
+{
+    m_levels.Load(settings);
+    const int scheme = settings.GetInt(kSettings, "ColourScheme", 0);
+    m_scheme = scheme == 1 ? ColourScheme::RedNightVision : scheme == 2 ? ColourScheme::BlackOnWhite : ColourScheme::Normal;
+    m_showSearchTarget = settings.GetInt(kSettings, "ShowSearchTarget", 1) != 0;
+    m_keepTitle = settings.GetInt(kSettings, "KeepTitle", 0) != 0;
+    for (int i = 1; i <= kMaxRecentFiles; ++i) {
+        const std::string f = settings.GetString(kSettings, "RecentFile" + std::to_string(i), "");
+        if (!f.empty()) m_recent.append(QString::fromStdString(f));
+    }
+}
+
+CAppContext::~CAppContext() = default;
+
+void CAppContext::SetLevels(const CLevelTable& levels)
+{
+    m_levels = levels;
+    m_levels.Save(m_settings);
+    m_settings.Flush();
+    emit LevelsChanged();
+}
+
+void CAppContext::SetScheme(ColourScheme scheme)
+{
+    m_scheme = scheme;
+    m_settings.SetInt(kSettings, "ColourScheme", static_cast<int>(scheme));
+    emit DisplayOptionsChanged();
+}
+
+void CAppContext::SetShowSearchTarget(bool show)
+{
+    m_showSearchTarget = show;
+    m_settings.SetInt(kSettings, "ShowSearchTarget", show ? 1 : 0);
+    emit DisplayOptionsChanged();
+}
+
+QString CAppContext::DefaultMapFile() const
+{
+    const std::string stored = m_settings.GetString("Paths", "MainFile", "");
+    if (!stored.empty()) return QString::fromStdString(stored);
+    if (const auto* qt = dynamic_cast<const CQtSettingsStore*>(&m_settings))
+        return QFileInfo(QString::fromStdString(qt->FileName())).absolutePath() + QStringLiteral("/Default.ovm");
+    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + QStringLiteral("/Default.ovm");
+}
+
+QString CAppContext::RememberedFolder(const char* key) const
+{
+    return QString::fromStdString(m_settings.GetString("Paths", key, ""));
+}
+
+void CAppContext::RememberFolder(const char* key, const QString& fileOrFolder)
+{
+    const QFileInfo info(fileOrFolder);
+    const QString folder = info.isDir() ? info.absoluteFilePath() : info.absolutePath();
+    m_settings.SetString("Paths", key, folder.toStdString());
+}
+
+void CAppContext::AddRecentFile(const QString& path)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    m_recent.removeAll(absolute);
+    m_recent.prepend(absolute);
+    while (m_recent.size() > kMaxRecentFiles) m_recent.removeLast();
+    for (int i = 0; i < kMaxRecentFiles; ++i)
+        m_settings.SetString(kSettings, "RecentFile" + std::to_string(i + 1),
+                             i < m_recent.size() ? m_recent[i].toStdString() : std::string());
+    m_settings.Flush();
+    emit RecentFilesChanged();
+}
+
+}  // namespace orv

@@ -1,0 +1,70 @@
+// CAppContext: what every window of the program shares — the settings
+// store, the level table, the catalogues, the colour scheme and the
+// preferences of the application itself (section "Settings": recent files,
+// the keep-title flag; section "Paths": the data folder and the default map
+// file "MainFile").
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+#include "map/levels.h"
+#include "map/mapdraw.h"
+
+namespace orv {
+
+class CSettingsStore;
+
+class CAppContext : public QObject {
+    Q_OBJECT
+public:
+    explicit CAppContext(CSettingsStore& settings, QObject* parent = nullptr);
+    ~CAppContext() override;
+
+    CSettingsStore& Settings() { return m_settings; }
+    CChartCatalogues& Catalogues() { return *m_catalogues; }
+
+    const CLevelTable& Levels() const { return m_levels; }
+    // Stores a new level table under "Level1".."Level10" and tells the maps.
+    void SetLevels(const CLevelTable& levels);
+
+    ColourScheme Scheme() const { return m_scheme; }
+    void SetScheme(ColourScheme scheme);
+    bool ShowSearchTarget() const { return m_showSearchTarget; }
+    void SetShowSearchTarget(bool show);
+
+    // When set, opening a map keeps the title the program gives it instead
+    // of the title stored in the file ("Settings", "KeepTitle").
+    bool KeepTitle() const { return m_keepTitle; }
+
+    // The default map file: "Paths", "MainFile"; when unset, Default.ovm in
+    // the folder of the settings file.
+    QString DefaultMapFile() const;
+    // Folder remembered for a kind of file dialog ("Paths", key).
+    QString RememberedFolder(const char* key) const;
+    void RememberFolder(const char* key, const QString& fileOrFolder);
+
+    QStringList RecentFiles() const { return m_recent; }
+    void AddRecentFile(const QString& path);
+
+    static constexpr int kMaxRecentFiles = 8;
+
+signals:
+    void LevelsChanged();
+    void DisplayOptionsChanged();  // colour scheme, search target shown
+    void RecentFilesChanged();
+
+private:
+    CSettingsStore& m_settings;
+    std::unique_ptr<CChartCatalogues> m_catalogues;
+    CLevelTable m_levels;
+    ColourScheme m_scheme = ColourScheme::Normal;
+    bool m_showSearchTarget = true;
+    bool m_keepTitle = false;
+    QStringList m_recent;
+};
+
+}  // namespace orv

@@ -1,0 +1,224 @@
+#include "app/mapprint.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPrintDialog>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
+
+#include <cmath>
+
+#include "app/appcontext.h"
+#include "app/mapwindow.h"
+#include "map/mapview.h"
+#include "util/angles.h"
+
+namespace orv {
+
+namespace {
+
+QString ToQ(const std::string& s) { return QString::fromStdString(s); }
+
+QString StatusLine(const CMapWindow& window)
+{
+    const CMapView& v = window.View();
+    const CObserverDoc& o = v.Doc().observer;
+    const CCoordinates& c = v.coordinates;
+    return QObject::tr("%1  %2 %3  |  %4  |  centre α %5 δ %6 (J2000)  |  %7  |  %8")
+        .arg(ToQ(o.SiteName()))
+        .arg(ToQ(FormatDms(o.LatitudeRad(), 0)))
+        .arg(ToQ(FormatDms(o.LongitudeRad(), 0)))
+        .arg(window.TimeText())
+        .arg(ToQ(FormatHms(c.CentreRaJ2000Rad(), 0)))
+        .arg(ToQ(FormatDms(c.CentreDecJ2000Rad(), 0)))
+        .arg(window.FieldText())
+        .arg(window.LevelText());
+}
+
+}  // namespace
+
+void DrawMapPage(QPainter& painter, const QRect& page, double dpiX, double dpiY, CMapWindow& window,
+                 CAppContext& app)
+{
+    CMapView& view = window.View();
+    const CMapViewSettings& s = view.settings;
+    // Margins are kept in thousandths of an inch.
+    const QRectF area(page.left() + s.printLeftMargin * dpiX / 1000.0, page.top() + s.printTopMargin * dpiY / 1000.0,
+                      page.width() - (s.printLeftMargin + s.printRightMargin) * dpiX / 1000.0,
+                      page.height() - (s.printTopMargin + s.printBottomMargin) * dpiY / 1000.0);
+    if (area.width() < dpiX || area.height() < dpiY) return;  // margins leave no room
+    QRectF chart = area;
+    painter.save();
+    painter.setPen(Qt::black);
+
+    if (s.printTitle != 0) {
+        QFont f(QStringLiteral("DejaVu Sans"));
+        f.setPointSizeF(14.0);
+        f.setBold(true);
+        painter.setFont(f);
+        const double h = QFontMetricsF(f, painter.device()).height() * 1.4;
+        painter.drawText(QRectF(chart.left(), chart.top(), chart.width(), h), Qt::AlignCenter, window.Title());
+        chart.setTop(chart.top() + h);
+    }
+    if (s.printStatus != 0) {
+        QFont f(QStringLiteral("DejaVu Sans"));
+        f.setPointSizeF(8.0);
+        painter.setFont(f);
+        const double h = QFontMetricsF(f, painter.device()).height() * 1.6;
+        painter.drawText(QRectF(chart.left(), chart.bottom() - h, chart.width(), h), Qt::AlignCenter,
+                         StatusLine(window));
+        chart.setBottom(chart.bottom() - h);
+    }
+    if (s.printKey != 0) {
+        // The key: the magnitude scale of the star discs at this level.
+        QFont f(QStringLiteral("DejaVu Sans"));
+        f.setPointSizeF(8.0);
+        painter.setFont(f);
+        const double h = QFontMetricsF(f, painter.device()).height() * 2.2;
+        const QRectF key(chart.left(), chart.bottom() - h, chart.width(), h);
+        const CStarSettings& st = view.Doc().stars;
+        const int faint = view.starState.magLimit;
+        const int bright = st.starMagBright;
+        const int L = std::max(st.magLimit, bright + 1);
+        const double k = static_cast<double>(st.starRadBright - st.starRadFaint) / (L - bright);
+        double x = key.left();
+        painter.setBrush(Qt::black);
+        for (int m = (bright / 100) * 100; m <= faint; m += 100) {
+            double r = m >= L ? st.starRadFaint : m <= bright ? st.starRadBright : std::trunc(L * k + st.starRadFaint - m * k);
+            const double radiusPx = std::max(0.5, r * dpiY * 0.0001);
+            painter.drawEllipse(QPointF(x + radiusPx, key.center().y()), radiusPx, radiusPx);
+            const QString label = QString::number(m / 100);
+            painter.drawText(QPointF(x + 2.0 * radiusPx + 0.03 * dpiX, key.center().y() + 0.35 * QFontMetricsF(f, painter.device()).ascent()), label);
+            x += 2.0 * radiusPx + 0.25 * dpiX;
+            if (x > key.right() - dpiX) break;
+        }
+        chart.setBottom(chart.bottom() - h);
+    }
+    painter.setPen(QPen(Qt::black, std::max(1.0, dpiX / 150.0)));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(chart);
+
+    painter.setClipRect(chart);
+    painter.translate(chart.topLeft());
+    DrawSurface surface;
+    surface.painter = &painter;
+    surface.kind = SurfaceKind::Printer;
+    surface.widthPx = static_cast<int>(chart.width());
+    surface.heightPx = static_cast<int>(chart.height());
+    surface.dpiX = dpiX;
+    surface.dpiY = dpiY;
+    RenderOptions options;
+    options.scheme = ColourScheme::BlackOnWhite;
+    options.monochrome = s.printMono != 0;
+    options.target = window.Target();
+    options.showSearchTarget = app.ShowSearchTarget();
+    // Printing uses its own projection set-up; the window's is restored by
+    // its next redraw.
+    window.Renderer().Draw(surface, view, options);
+    painter.restore();
+    window.RequestRedraw();
+}
+
+namespace {
+void PrintTo(QPrinter& printer, CMapWindow& window, CAppContext& app)
+{
+    QPainter painter;
+    if (!painter.begin(&printer)) return;
+    const QRect page = printer.pageLayout().fullRectPixels(printer.resolution());
+    painter.translate(-printer.pageLayout().paintRectPixels(printer.resolution()).topLeft());
+    DrawMapPage(painter, page, printer.resolution(), printer.resolution(), window, app);
+    painter.end();
+}
+}  // namespace
+
+void PrintMapWithDialog(QWidget* parent, CMapWindow& window, CAppContext& app)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setDocName(window.Title());
+    printer.setFullPage(true);
+    QPrintDialog dialog(&printer, parent);
+    if (dialog.exec() != QDialog::Accepted) return;
+    PrintTo(printer, window, app);
+}
+
+void PreviewMap(QWidget* parent, CMapWindow& window, CAppContext& app)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setDocName(window.Title());
+    printer.setFullPage(true);
+    QPrintPreviewDialog preview(&printer, parent);
+    QObject::connect(&preview, &QPrintPreviewDialog::paintRequested, &preview,
+                     [&window, &app](QPrinter* p) { PrintTo(*p, window, app); });
+    preview.resize(900, 1000);
+    preview.exec();
+}
+
+}  // namespace orv
+
+// ------------------------------------------------------------------ export
+
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFormLayout>
+#include <QMessageBox>
+#include <QSpinBox>
+
+#include "map/chartexport.h"
+
+namespace orv {
+
+void ExportMapWithDialog(QWidget* parent, CMapWindow& window, CAppContext& app)
+{
+    // File name first: its extension chooses the format.
+    QStringList filters;
+    QString allPictures;
+    for (const ExportFormat& f : ExportFormats()) {
+        QStringList patterns;
+        for (const std::string& e : f.extensions) patterns << QStringLiteral("*.") + QString::fromStdString(e);
+        filters << QStringLiteral("%1 (%2)").arg(QString::fromStdString(f.name), patterns.join(' '));
+        allPictures += patterns.join(' ') + ' ';
+    }
+    filters.prepend(QObject::tr("All chart formats (%1)").arg(allPictures.trimmed()));
+    QString selected;
+    const QString start = QDir(app.RememberedFolder("Export")).filePath(window.Title() + QStringLiteral(".png"));
+    QString path = QFileDialog::getSaveFileName(parent, QObject::tr("Export Chart"), start, filters.join(";;"), &selected);
+    if (path.isEmpty()) return;
+    if (QFileInfo(path).suffix().isEmpty()) path += QStringLiteral(".png");
+    app.RememberFolder("Export", path);
+
+    // Then the size, starting from the window's.
+    QDialog sizeDialog(parent);
+    sizeDialog.setWindowTitle(QObject::tr("Chart Size"));
+    auto* form = new QFormLayout(&sizeDialog);
+    auto* width = new QSpinBox(&sizeDialog);
+    auto* height = new QSpinBox(&sizeDialog);
+    width->setRange(16, 100000);
+    height->setRange(16, 100000);
+    width->setSuffix(QObject::tr(" px"));
+    height->setSuffix(QObject::tr(" px"));
+    width->setValue(window.width());
+    height->setValue(window.height());
+    form->addRow(QObject::tr("Width:"), width);
+    form->addRow(QObject::tr("Height:"), height);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &sizeDialog);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &sizeDialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &sizeDialog, &QDialog::reject);
+    form->addRow(buttons);
+    if (sizeDialog.exec() != QDialog::Accepted) return;
+
+    RenderOptions options;
+    options.scheme = app.Scheme();
+    options.target = window.Target();
+    options.showSearchTarget = app.ShowSearchTarget();
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const ExportResult r =
+        ExportChart(window.Renderer(), window.View(), options, path.toStdString(), width->value(), height->value());
+    QApplication::restoreOverrideCursor();
+    window.RequestRedraw();  // the window's projection is set up again for the screen
+    if (!r.Ok()) QMessageBox::critical(parent, QApplication::applicationName(), QString::fromStdString(r.Message()));
+}
+
+}  // namespace orv

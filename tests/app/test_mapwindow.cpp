@@ -1,0 +1,108 @@
+// The map window and main frame as a user meets them, on the offscreen
+// platform: redraw debouncing, reopening an open map, saving and reopening.
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QTest>
+
+#include <filesystem>
+
+#include "app/appcontext.h"
+#include "app/mainframe.h"
+#include "app/mapwindow.h"
+#include "app/qtsettingsstore.h"
+#include "map/mapview.h"
+#include "support/compare.h"
+#include "util/angles.h"
+
+using namespace orv;
+
+namespace {
+
+struct Fixture {
+    std::string dir = orv::test::MakeTempDir();
+    CQtSettingsStore settings{(std::filesystem::path(dir) / "orvane.ini").string()};
+    CAppContext context{settings};
+    CMainFrame frame{context};
+    Fixture()
+    {
+        frame.resize(900, 700);
+        frame.show();
+    }
+};
+
+}  // namespace
+
+TEST(MapWindow, ABurstOfRedrawRequestsCausesOneRedraw)
+{
+    Fixture f;
+    CMapWindow* w = f.frame.NewMap();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(w));
+    QTest::qWait(250);
+    const int before = w->RedrawCount();
+    w->RequestRedraw();
+    QTest::qWait(40);
+    w->RequestRedraw();  // within 100 ms of the first: restarts the timer
+    QTest::qWait(40);
+    w->RequestRedraw();
+    QTest::qWait(300);
+    EXPECT_EQ(w->RedrawCount(), before + 1);
+}
+
+TEST(MainFrame, OpeningAnOpenMapBringsItsWindowForward)
+{
+    Fixture f;
+    CMapWindow* first = f.frame.NewMap();
+    const std::string path = (std::filesystem::path(f.dir) / "Orion.ovm").string();
+    first->View().coordinates.SetCentringMode(Centring::RaDec);
+    first->CentreOn(83.82 * kRadPerDeg, -5.39 * kRadPerDeg);
+    // Written beside the window, which keeps its own (unsaved) identity.
+    ASSERT_TRUE(SaveMapFile(first->View(), path, SaveTarget::DefaultMapFile).Ok());
+
+    CMapWindow* opened = f.frame.OpenMap(QString::fromStdString(path));
+    ASSERT_NE(opened, nullptr);
+    EXPECT_NE(opened, first);
+    EXPECT_EQ(opened->Title(), QStringLiteral("Map1"));  // the title stored in the file
+    f.frame.NewMap();  // another window becomes active
+    CMapWindow* again = f.frame.OpenMap(QString::fromStdString(path));
+    EXPECT_EQ(again, opened);
+    EXPECT_EQ(f.frame.ActiveMap(), opened);
+    EXPECT_EQ(f.frame.Maps().size(), 3);
+    EXPECT_NEAR(opened->View().coordinates.CentreRaJ2000Rad(), 83.82 * kRadPerDeg, 1e-9);
+}
+
+TEST(MainFrame, ABadFileOpensNoWindow)
+{
+    Fixture f;
+    const std::string path = (std::filesystem::path(f.dir) / "bad.ovm").string();
+    {
+        QFile file(QString::fromStdString(path));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("Not a map at all");
+    }
+    // The message box would wait for the user; answer it as soon as it shows.
+    QTimer::singleShot(200, [] {
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (w->inherits("QMessageBox")) w->close();
+    });
+    EXPECT_EQ(f.frame.OpenMap(QString::fromStdString(path)), nullptr);
+    EXPECT_TRUE(f.frame.Maps().isEmpty());
+}
+
+TEST(MapWindow, ZoomingMovesThroughTheLevels)
+{
+    Fixture f;
+    CMapWindow* w = f.frame.NewMap();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(w));
+    w->GoToLevel(0);
+    EXPECT_EQ(w->View().Level(), 0);
+    EXPECT_EQ(w->LevelText(), QStringLiteral("Lvl 1"));
+    w->ZoomIn();  // level steps by default
+    EXPECT_EQ(w->View().Level(), 1);
+    EXPECT_DOUBLE_EQ(w->View().coordinates.FieldDeg(), 45.0);
+    w->View().coordinates.SetZoomLocked(false);
+    w->ZoomBy(100.0);
+    EXPECT_EQ(w->View().Level(), 7);  // 0.45°: level 8 (30′) is the narrowest still wide enough
+    EXPECT_TRUE(w->IsModified());
+}
