@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <fstream>
 #include <set>
 
@@ -84,9 +85,14 @@ protected:
         db::CrossReport report;
         db::BuildFiles(cat, hip, files, report);
         for (const auto& [name, bytes] : files.files) Write(name, bytes);
+        if (const char* old = std::getenv("ORVANE_DATA")) m_oldData = old;
         setenv("ORVANE_DATA", m_dir.c_str(), 1);
     }
-    void TearDown() override { unsetenv("ORVANE_DATA"); }
+    void TearDown() override
+    {
+        if (m_oldData) setenv("ORVANE_DATA", m_oldData->c_str(), 1);
+        else unsetenv("ORVANE_DATA");
+    }
 
     void Write(const std::string& name, const std::vector<std::uint8_t>& bytes)
     {
@@ -102,6 +108,7 @@ protected:
     }
 
     std::string m_dir;
+    std::optional<std::string> m_oldData;
 };
 
 std::vector<int> Mags(const CTycho2Catalogue& cat, const std::vector<int>& regions, int limit)
