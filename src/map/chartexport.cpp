@@ -38,12 +38,24 @@ std::string ExtensionOf(const std::string& path)
     return ext.size() > 1 ? Lower(ext.substr(1)) : std::string();
 }
 
+// FreeImage's own account of its last failure (it reports through a
+// callback, never a return value), kept for the export's result.
+thread_local std::string t_freeImageMessage;
+
+void KeepFreeImageMessage(FREE_IMAGE_FORMAT, const char* message)
+{
+    t_freeImageMessage = message != nullptr ? message : "";
+}
+
 void InitialiseFreeImage()
 {
     // The shared library initialises itself; the call is harmless there and
     // needed where FreeImage is linked statically.
     static std::once_flag once;
-    std::call_once(once, [] { FreeImage_Initialise(FALSE); });
+    std::call_once(once, [] {
+        FreeImage_Initialise(FALSE);
+        FreeImage_SetOutputMessage(KeepFreeImageMessage);
+    });
 }
 
 // Whether FreeImage can write the format from a chart picture, through one
@@ -194,6 +206,7 @@ ExportResult ExportRaster(CChartRenderer& renderer, CMapView& view, const Render
     if (fif == FIF_JPEG) flags = std::clamp(req.jpegQuality, 1, 100);
 
     const std::string temp = TemporaryBeside(req.path);
+    t_freeImageMessage.clear();
     if (!FreeImage_Save(fif, out.get(), temp.c_str(), flags)) {
         std::error_code ec;
         std::filesystem::remove(temp, ec);
@@ -201,7 +214,8 @@ ExportResult ExportRaster(CChartRenderer& renderer, CMapView& view, const Render
         CAtomicFileWriter probe;
         if (!probe.Open(req.path)) return Failure(r, ExportStatus::CannotCreateFile, probe.Error());
         probe.Discard();
-        return Failure(r, ExportStatus::CannotWrite, "the picture writer failed");
+        return Failure(r, ExportStatus::CannotWrite,
+                       t_freeImageMessage.empty() ? "the picture writer failed" : t_freeImageMessage);
     }
     std::error_code ec;
     std::filesystem::rename(temp, req.path, ec);

@@ -98,6 +98,14 @@ void DrawGalacticGrid(DrawContext& ctx);
 void DrawSearchTarget(DrawContext& ctx);
 void DrawScaleLine(DrawContext& ctx);
 void DrawCompass(DrawContext& ctx);
+// Unit screen vectors of celestial north and east at a pixel, as the
+// compass draws them for the chart centre (rotation and flips included).
+struct CompassDirections {
+    double northX = 0.0, northY = -1.0, eastX = -1.0, eastY = 0.0;
+    bool ok = false;
+};
+CompassDirections CompassAt(const CChartFrame& frame, double xPx, double yPx);
+
 // Takes the corners that the scale line and the compass will use, before any
 // label is placed, so that no label goes under them.
 void ReserveMarkAreas(DrawContext& ctx);

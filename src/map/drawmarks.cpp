@@ -105,35 +105,42 @@ void DrawScaleLine(DrawContext& ctx)
 
 // ------------------------------------------------------------------ Compass
 
-void DrawCompass(DrawContext& ctx)
+CompassDirections CompassAt(const CChartFrame& f, double xPx, double yPx)
 {
-    if (!ctx.view.compass.shown) return;
-    const CChartFrame& f = ctx.frame;
-    const CCoordinates& co = ctx.coords;
-
-    // Directions of celestial north and east at the chart centre: the screen
-    // images of two small steps from the centre's place of date. Right at a
-    // pole the step is taken from just beside it.
+    // Directions of celestial north and east at a pixel: the screen images
+    // of two small steps from that pixel's place of date. Right at a pole
+    // the steps are taken from just beside it.
+    CompassDirections out;
     double ra = 0.0, dec = 0.0;
-    f.ScreenToDate(co.ScreenCentreX(), co.ScreenCentreY(), ra, dec);
-    if (!std::isfinite(ra) || !std::isfinite(dec)) return;
+    f.ScreenToDate(xPx, yPx, ra, dec);
+    if (!std::isfinite(ra) || !std::isfinite(dec)) return out;
     constexpr double kStepRad = 1e-5;
     dec = std::clamp(dec, -kHalfPi + 10 * kStepRad, kHalfPi - 10 * kStepRad);
     double v[3];
     ScreenPoint c, n, e;
     f.DateToFrame(ra, dec, v);
-    if (!f.ToScreen(v, c)) return;
+    if (!f.ToScreen(v, c)) return out;
     f.DateToFrame(ra, dec + kStepRad, v);
-    if (!f.ToScreen(v, n)) return;
+    if (!f.ToScreen(v, n)) return out;
     f.DateToFrame(ra + kStepRad / std::cos(dec), dec, v);
-    if (!f.ToScreen(v, e)) return;
-    double nx = n.x - c.x, ny = n.y - c.y, ex = e.x - c.x, ey = e.y - c.y;
+    if (!f.ToScreen(v, e)) return out;
+    const double nx = n.x - c.x, ny = n.y - c.y, ex = e.x - c.x, ey = e.y - c.y;
     const double nl = std::hypot(nx, ny), el = std::hypot(ex, ey);
-    if (!(nl > 0.0) || !(el > 0.0)) return;
-    nx /= nl;
-    ny /= nl;
-    ex /= el;
-    ey /= el;
+    if (!(nl > 0.0) || !(el > 0.0)) return out;
+    out.northX = nx / nl;
+    out.northY = ny / nl;
+    out.eastX = ex / el;
+    out.eastY = ey / el;
+    out.ok = true;
+    return out;
+}
+
+void DrawCompass(DrawContext& ctx)
+{
+    if (!ctx.view.compass.shown) return;
+    const CompassDirections d = CompassAt(ctx.frame, ctx.coords.ScreenCentreX(), ctx.coords.ScreenCentreY());
+    if (!d.ok) return;
+    const double nx = d.northX, ny = d.northY, ex = d.eastX, ey = d.eastY;
 
     QPainter& p = ctx.painter;
     const double L = ctx.Px(0.35, 20.0);

@@ -1,0 +1,330 @@
+// The drawing pipeline on a small catalogue: where stars land on the
+// surface, orientation under flips and rotation, the search target marker
+// on screens and printers, layers outside their level range, colour schemes,
+// identification with the designation rules in order, and the list of
+// visible stars.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "map/chartframe.h"
+#include "map/drawcontext.h"
+#include "renderfixture.h"
+#include "support/compare.h"
+#include "util/angles.h"
+
+using namespace orv;
+using orv::test::CSmallCatalogueChart;
+
+namespace {
+
+// Only the star discs: no grids, marks, labels, scale line or compass.
+void DiscsOnly(CMapView& view)
+{
+    view.raDecGrid.visible = view.altAzGrid.visible = view.eclipticGrid.visible = view.galacticGrid.visible = 0;
+    view.altAzGrid.solidHorizonLevels = {-1, -1};
+    view.scaleLine.visible = view.compass.visible = 0;
+    CStarSettings& s = view.Doc().stars;
+    s.showDoubles = s.showVariables = 0;
+    s.levelBayerLow = s.levelBayerHigh = s.levelFlamsteedLow = s.levelFlamsteedHigh = -1;
+    s.levelDistLow = s.levelDistHigh = -1;
+    view.SetLevel(view.Level(), CMapView::TakeField::No);
+}
+
+QRgb Background(ColourScheme scheme = ColourScheme::Normal) { return BackgroundColour(scheme).rgb(); }
+
+// Expected offset in pixels of a star `deg` degrees from the centre along an
+// axis: the stereographic plane distance 2·tan(θ/2) times the scale.
+double OffsetPx(const CSmallCatalogueChart& chart, double deg)
+{
+    return 2.0 * std::tan(0.5 * deg * kRadPerDeg) * chart.PxPerRadian();
+}
+
+}  // namespace
+
+// A star at the chart centre lands on the centre pixel; a star 2° east lies
+// to the left and one 2° north above, at the projected distance. The chart
+// is at J2000.0, so only nutation (under 20″, a quarter pixel here) moves
+// the stars from their catalogue places. Tolerance: 1 pixel (a disc is
+// centred on the pixel that holds the star's position, up to half a pixel
+// from it).
+TEST(ChartPixels, StarsLandWhereTheProjectionPutsThem)
+{
+    CSmallCatalogueChart chart;
+    DiscsOnly(chart.View());
+    const QImage image = chart.Render();
+    const double cx = chart.View().coordinates.ScreenCentreX(), cy = chart.View().coordinates.ScreenCentreY();
+    const double d = OffsetPx(chart, 2.0);
+    ASSERT_GT(d, 50.0);
+
+    double x = 0.0, y = 0.0;
+    ASSERT_TRUE(orv::test::Centroid(image, Background(), static_cast<int>(cx), static_cast<int>(cy), 12, x, y));
+    EXPECT_NEAR_UNIT(cx, x, 1.0, orv::test::kSame);
+    EXPECT_NEAR_UNIT(cy, y, 1.0, orv::test::kSame);
+
+    ASSERT_TRUE(orv::test::Centroid(image, Background(), static_cast<int>(cx - d), static_cast<int>(cy), 8, x, y));
+    EXPECT_NEAR_UNIT(cx - d, x, 1.0, orv::test::kSame);  // east on the left, as on the sky
+    EXPECT_NEAR_UNIT(cy, y, 1.0, orv::test::kSame);
+
+    ASSERT_TRUE(orv::test::Centroid(image, Background(), static_cast<int>(cx), static_cast<int>(cy - d), 8, x, y));
+    EXPECT_NEAR_UNIT(cx, x, 1.0, orv::test::kSame);
+    EXPECT_NEAR_UNIT(cy - d, y, 1.0, orv::test::kSame);  // north up
+
+    // Nothing where the east star would be if the chart were mirrored.
+    EXPECT_FALSE(orv::test::Centroid(image, Background(), static_cast<int>(cx + d), static_cast<int>(cy), 8, x, y));
+}
+
+TEST(ChartPixels, HorizontalFlipPutsEastOnTheRight)
+{
+    CSmallCatalogueChart chart;
+    DiscsOnly(chart.View());
+    chart.View().coordinates.SetFlips(-1, 1);
+    const QImage image = chart.Render();
+    const double cx = chart.View().coordinates.ScreenCentreX(), cy = chart.View().coordinates.ScreenCentreY();
+    const double d = OffsetPx(chart, 2.0);
+    double x = 0.0, y = 0.0;
+    ASSERT_TRUE(orv::test::Centroid(image, Background(), static_cast<int>(cx + d), static_cast<int>(cy), 8, x, y));
+    EXPECT_NEAR_UNIT(cx + d, x, 1.5, orv::test::kSame);
+}
+
+// The compass's north and east arrows point where stars 2° north and 2°
+// east of the centre star are drawn, whatever the rotation and flips.
+// Tolerance 1° of direction (the stars are 75 pixels from the centre, and
+// drawn on whole pixels).
+TEST(ChartPixels, CompassFollowsRotationAndFlips)
+{
+    CSmallCatalogueChart chart;
+    DiscsOnly(chart.View());
+    for (int flipH : {1, -1}) {
+        for (int flipV : {1, -1}) {
+            for (double rotationDeg : {0.0, 37.0, 90.0, 211.0}) {
+                SCOPED_TRACE(testing::Message() << "flips " << flipH << ' ' << flipV << ", rotation " << rotationDeg);
+                CCoordinates& c = chart.View().coordinates;
+                c.SetFlips(flipH, flipV);
+                c.SetRotation(rotationDeg * kRadPerDeg);
+                chart.Render();
+                const auto rows = chart.Renderer().VisibleStars();
+                ASSERT_EQ(rows.size(), 4u);
+                const VisibleStarRow *centre = nullptr, *east = nullptr, *north = nullptr;
+                for (const auto& r : rows) {
+                    if (r.tyc2 == 1) centre = &r;
+                    if (r.tyc2 == 2) east = &r;
+                    if (r.tyc2 == 3) north = &r;
+                }
+                ASSERT_TRUE(centre && east && north);
+                const CChartFrame frame(chart.Doc().observer, c);
+                const CompassDirections d = CompassAt(frame, c.ScreenCentreX(), c.ScreenCentreY());
+                ASSERT_TRUE(d.ok);
+                const double northAngle = std::atan2(north->yPx - centre->yPx, north->xPx - centre->xPx);
+                const double eastAngle = std::atan2(east->yPx - centre->yPx, east->xPx - centre->xPx);
+                EXPECT_ANGLE_NEAR(northAngle, std::atan2(d.northY, d.northX), 1.0 * kRadPerDeg, orv::test::kDegFromRad);
+                EXPECT_ANGLE_NEAR(eastAngle, std::atan2(d.eastY, d.eastX), 1.0 * kRadPerDeg, orv::test::kDegFromRad);
+            }
+        }
+    }
+}
+
+// The search target inverts a square 0.2 inch across on a screen, and only
+// there: an exported picture and a printer page show no marker.
+TEST(ChartPixels, SearchTargetMarkerOnScreensOnly)
+{
+    CSmallCatalogueChart chart;
+    DiscsOnly(chart.View());
+    RenderOptions withTarget;
+    // Empty sky 1° east and 1° north of the centre.
+    withTarget.target = SearchTarget{91.0 * kRadPerDeg, 1.0 * kRadPerDeg, "target"};
+    const QImage plain = chart.Render(SurfaceKind::RasterDisplay);
+    const double cx = chart.View().coordinates.ScreenCentreX(), cy = chart.View().coordinates.ScreenCentreY();
+    const double d = OffsetPx(chart, 1.0);
+    // The square reaches one tenth of an inch (9.6 → 9 pixels at 96 dpi) and
+    // one pixel more to each side of the target.
+    const int tx = static_cast<int>(std::floor(cx - d)), ty = static_cast<int>(std::floor(cy - d));
+
+    const QImage marked = chart.Render(SurfaceKind::RasterDisplay, withTarget);
+    for (int dx : {-8, -4, 0, 4, 8}) {
+        const QRgb a = plain.pixel(tx + dx, ty + 5), b = marked.pixel(tx + dx, ty + 5);
+        EXPECT_EQ(qRed(b), 255 - qRed(a)) << "dx " << dx;
+        EXPECT_EQ(qBlue(b), 255 - qBlue(a)) << "dx " << dx;
+    }
+    EXPECT_EQ(plain.pixel(tx + 13, ty), marked.pixel(tx + 13, ty));  // outside the square
+    EXPECT_EQ(plain.pixel(tx, ty - 13), marked.pixel(tx, ty - 13));
+
+    withTarget.showSearchTarget = false;  // hidden from the View menu
+    EXPECT_EQ(chart.Render(SurfaceKind::RasterDisplay, withTarget), plain);
+    withTarget.showSearchTarget = true;
+    EXPECT_EQ(chart.Render(SurfaceKind::Printer, withTarget), chart.Render(SurfaceKind::Printer));
+    EXPECT_EQ(chart.Render(SurfaceKind::Bitmap, withTarget), chart.Render(SurfaceKind::Bitmap));
+}
+
+// A layer whose level range excludes the current level draws nothing, and
+// the layers after it draw as usual.
+TEST(ChartPixels, LayerOutsideItsLevelsDrawsNothingLaterLayersStillDraw)
+{
+    CSmallCatalogueChart chart;
+    CMapView& v = chart.View();
+    DiscsOnly(v);
+    v.compass.visible = 1;
+    v.raDecGrid.visible = 1;
+    v.raDecGrid.first = {6, 9};  // the chart is at level index 3
+    v.raDecGrid.second = {-1, -1};
+    v.SetLevel(3, CMapView::TakeField::No);
+    ASSERT_EQ(v.raDecGrid.state, 0);
+    const QImage outOfRange = chart.Render();
+
+    v.raDecGrid.visible = 0;
+    v.SetLevel(3, CMapView::TakeField::No);
+    EXPECT_EQ(outOfRange, chart.Render());  // the grid drew nothing
+
+    v.compass.visible = 0;
+    v.SetLevel(3, CMapView::TakeField::No);
+    EXPECT_NE(outOfRange, chart.Render());  // but the compass after it did
+
+    v.raDecGrid.visible = 1;
+    v.raDecGrid.first = {0, 9};
+    v.SetLevel(3, CMapView::TakeField::No);
+    EXPECT_NE(chart.Render(), outOfRange);  // in range, the grid shows
+}
+
+TEST(ChartPixels, RedNightVisionHasNoGreenOrBlue)
+{
+    CSmallCatalogueChart chart;  // grids, labels, marks, compass: everything
+    chart.Doc().stars.levelProperLow = 0;
+    chart.Doc().stars.levelProperHigh = 9;
+    chart.View().SetLevel(3, CMapView::TakeField::No);
+    RenderOptions red;
+    red.scheme = ColourScheme::RedNightVision;
+    const QImage image = chart.Render(SurfaceKind::RasterDisplay, red);
+    int lit = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb p = image.pixel(x, y);
+            ASSERT_EQ(qGreen(p), 0) << x << ',' << y;
+            ASSERT_EQ(qBlue(p), 0) << x << ',' << y;
+            if (qRed(p) > 100) ++lit;
+        }
+    EXPECT_GT(lit, 200);  // stars, lines and texts are there, in red
+}
+
+TEST(ChartPixels, BlackOnWhiteAndMonochromePrinting)
+{
+    CSmallCatalogueChart chart;
+    RenderOptions ink;
+    ink.scheme = ColourScheme::BlackOnWhite;
+    const QImage paper = chart.Render(SurfaceKind::RasterDisplay, ink);
+    EXPECT_EQ(paper.pixel(2, 2), qRgb(255, 255, 255));
+    const int cx = chart.View().coordinates.ScreenCentreX(), cy = chart.View().coordinates.ScreenCentreY();
+    EXPECT_EQ(paper.pixel(cx, cy), qRgb(0, 0, 0));  // the brightest star in ink
+
+    // A printer page in monochrome: grey levels only, on white paper, even
+    // from the coloured scheme.
+    RenderOptions mono;
+    mono.monochrome = true;
+    const QImage page = chart.Render(SurfaceKind::Printer, mono, 300.0);
+    EXPECT_EQ(page.pixel(2, 2), qRgb(255, 255, 255));
+    for (int y = 0; y < page.height(); y += 3)
+        for (int x = 0; x < page.width(); x += 3) {
+            const QRgb p = page.pixel(x, y);
+            ASSERT_TRUE(qRed(p) == qGreen(p) && qGreen(p) == qBlue(p)) << x << ',' << y;
+        }
+}
+
+// Identification: the nearest star within the tolerance, its designation by
+// the first rule that applies, and the read-out lines.
+TEST(ChartIdentify, DesignationRulesInOrder)
+{
+    CSmallCatalogueChart chart;
+    chart.Render();
+    const double cx = chart.View().coordinates.ScreenCentreX(), cy = chart.View().coordinates.ScreenCentreY();
+    const double d = OffsetPx(chart, 2.0);
+    ASSERT_GT(d, 50.0);
+
+    // Proper names are off by default: the Bayer letter comes first.
+    auto centre = chart.Renderer().Identify(cx + 2, cy - 1, 4.0);
+    ASSERT_TRUE(centre);
+    EXPECT_EQ(centre->kind, IdentifiedObject::Kind::Star);
+    EXPECT_EQ(centre->designation, "alpha Ori");
+    EXPECT_NE(centre->information.find("\nMag: 0.50"), std::string::npos) << centre->information;
+    EXPECT_NE(centre->information.find("\nDistance: 548 ly"), std::string::npos) << centre->information;
+    EXPECT_NE(centre->information.find("TYC 1-1-1"), std::string::npos);
+    EXPECT_ANGLE_NEAR(orv::test::kCentreRaDeg * kRadPerDeg, centre->raJ2000Rad, 1e-9, orv::test::kArcsecFromRad);
+
+    // With proper-name labels at this level the name wins.
+    chart.Doc().stars.levelProperLow = 0;
+    chart.Doc().stars.levelProperHigh = 9;
+    chart.View().SetLevel(3, CMapView::TakeField::No);
+    chart.Render();
+    centre = chart.Renderer().Identify(cx, cy, 4.0);
+    ASSERT_TRUE(centre);
+    EXPECT_EQ(centre->designation, "Centrum");
+
+    // The variable star without a Bayer letter: its GCVS name and range.
+    auto north = chart.Renderer().Identify(cx, cy - d, 4.0);
+    ASSERT_TRUE(north);
+    EXPECT_EQ(north->designation, "β Per");
+    EXPECT_NE(north->information.find("\nMag range: 2.12 to 3.39"), std::string::npos) << north->information;
+    EXPECT_NE(north->information.find("\nVar: EA/SD"), std::string::npos) << north->information;
+
+    // The double star: its discoverer designation.
+    const double d2 = OffsetPx(chart, 2.0);
+    auto southWest = chart.Renderer().Identify(cx + d2, cy + d2, 6.0);
+    ASSERT_TRUE(southWest);
+    EXPECT_EQ(southWest->designation, "Σ 1110");
+
+    // No cross identification: the Tycho identifier.
+    auto east = chart.Renderer().Identify(cx - d, cy, 4.0);
+    ASSERT_TRUE(east);
+    EXPECT_EQ(east->designation, "TYC 1-2-1");
+
+    // Empty sky.
+    EXPECT_FALSE(chart.Renderer().Identify(cx + 30, cy + 30, 4.0));
+}
+
+TEST(ChartIdentify, PrintingDoesNotDisturbTheWindowsIdentification)
+{
+    CSmallCatalogueChart chart;
+    chart.Render(SurfaceKind::RasterDisplay);
+    const double cx = chart.View().coordinates.ScreenCentreX(), cy = chart.View().coordinates.ScreenCentreY();
+    chart.Render(SurfaceKind::Printer, {}, 600.0);  // a page six times as fine
+    chart.View().coordinates.SetupSurface(chart.Width(), chart.Height());
+    const auto found = chart.Renderer().Identify(cx, cy, 3.0);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->designation, "alpha Ori");
+}
+
+TEST(ChartVisibleStars, RowsAndListing)
+{
+    CSmallCatalogueChart chart;
+    chart.Render();
+    const auto rows = chart.Renderer().VisibleStars();
+    ASSERT_EQ(rows.size(), 4u);
+    EXPECT_EQ(rows[0].designation, "alpha Ori");  // brightest first
+    EXPECT_EQ(rows[0].constellation, 59);          // Orion
+    EXPECT_EQ(rows[0].greek, 0);
+    EXPECT_EQ(rows[0].flamsteed, 58);
+    EXPECT_EQ(rows[0].bvMilli, 1850);
+    EXPECT_EQ(rows[3].magCenti, 400);
+    EXPECT_TRUE(rows[3].isDouble);
+    const std::string text = chart.Renderer().VisibleStarsText();
+    EXPECT_EQ(text.rfind("Stars Visible on the Map\n\n", 0), 0u);
+    EXPECT_NE(text.find("β Per"), std::string::npos);
+    EXPECT_EQ(chart.Renderer().LastStats().starsDrawn, 4);
+    EXPECT_TRUE(chart.Renderer().LastStats().catalogueOpen);
+}
+
+// A star limit that excludes stars: the list follows the level's limit and
+// the disc scale its bright end.
+TEST(ChartVisibleStars, LevelLimitCutsTheList)
+{
+    CSmallCatalogueChart chart;
+    CLevelTable levels = chart.View().Levels();
+    levels[3].starMagLimit = 350;
+    chart.View().SetLevels(levels);
+    chart.View().SetLevel(3, CMapView::TakeField::No);
+    chart.Render();
+    EXPECT_EQ(chart.Renderer().VisibleStars().size(), 3u);  // the 4.00 star is out
+    levels[3].starMagLimit = 900;  // extended again: the list grows without a new region search
+    chart.View().SetLevels(levels);
+    chart.View().SetLevel(3, CMapView::TakeField::No);
+    chart.Render();
+    EXPECT_EQ(chart.Renderer().VisibleStars().size(), 4u);
+}
