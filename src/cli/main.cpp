@@ -9,6 +9,9 @@
 #include <memory>
 #include <sstream>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include "app/qtsettingsstore.h"
 #include "cli/cli.h"
 #include "util/datapath.h"
@@ -162,6 +165,16 @@ int main(int argc, char** argv)
     std::unique_ptr<QCoreApplication> app;
     if (std::find(kDrawingCommands.begin(), kDrawingCommands.end(), command->name) != kDrawingCommands.end()) {
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+        if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+            // Qt wants a private runtime folder and warns when it has to make
+            // one itself; a batch program has none, so it gets the same one
+            // quietly.
+            const std::string dir = "/tmp/runtime-" + std::to_string(getuid());
+            mkdir(dir.c_str(), 0700);
+            struct stat info {};
+            if (stat(dir.c_str(), &info) == 0 && info.st_uid == getuid() && (info.st_mode & 0777) == 0700)
+                setenv("XDG_RUNTIME_DIR", dir.c_str(), 1);
+        }
         app = std::make_unique<QGuiApplication>(argc, argv);
     } else {
         app = std::make_unique<QCoreApplication>(argc, argv);

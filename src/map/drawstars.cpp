@@ -562,7 +562,10 @@ void DrawStars(DrawContext& ctx, const CTycho2Catalogue& catalogue, StarLayerSta
             std::string text;
             if ((e.flags & entryflag::kVariable) && settings.labelMagVar != 0) {
                 const auto v = FindVariableStar(id);
-                if (v && v->minMagCenti && !v->minIsLimit)
+                // The range when it spans at least a tenth; otherwise (or when
+                // the faint end is only a limit) the star's own magnitude.
+                if (v && v->minMagCenti && !v->minIsLimit &&
+                    MagnitudeTenths(*v->minMagCenti) > MagnitudeTenths(v->maxMagCenti))
                     text = MagnitudeRangeLabel(v->maxMagCenti, *v->minMagCenti);
                 else
                     text = VariableMagnitudeLabel(e.magCenti);

@@ -7,6 +7,7 @@
 
 #include <cmath>
 
+#include "catalog/stars/tycho2catalogue.h"
 #include "map/chartframe.h"
 #include "map/drawcontext.h"
 #include "renderfixture.h"
@@ -327,4 +328,100 @@ TEST(ChartVisibleStars, LevelLimitCutsTheList)
     chart.View().SetLevel(3, CMapView::TakeField::No);
     chart.Render();
     EXPECT_EQ(chart.Renderer().VisibleStars().size(), 4u);
+}
+
+// ---------------------------------------------------------------- real data
+
+namespace {
+
+// Charts on the real catalogue (skipped when it has not been built into the
+// data folder). Places: Hipparcos catalogue (ESA SP-1200, 1997), ICRS,
+// epoch J1991.25 carried to J2000.0; the charts are drawn at midnight UT of
+// 2000 January 1 (Orion on the meridian in central Europe), so proper motion
+// and precession move nothing by a pixel.
+class RealChart : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        m_catalogues = std::make_unique<CChartCatalogues>();
+        if (!m_catalogues->Tycho().IsOpen())
+            GTEST_SKIP() << "no built star catalogue in the data folder: run tools/fetch-sources.sh and "
+                            "orvane-databuild, or set ORVANE_DATA";
+        m_doc = std::make_unique<CMapDoc>(m_store);
+        m_doc->observer.SetSite("test", 48.0 * kRadPerDeg, 11.0 * kRadPerDeg, 0.0);
+        m_doc->observer.SetJulianDate(2451545.5);
+        m_view = std::make_unique<CMapView>(*m_doc, m_store, CLevelTable());
+        m_renderer = std::make_unique<CChartRenderer>(*m_catalogues);
+    }
+
+    // Draws a chart of level index `level` centred on (ra, dec) J2000.
+    void Draw(int level, double raRad, double decRad)
+    {
+        m_view->SetLevel(level, CMapView::TakeField::Yes);
+        m_view->coordinates.SetCentringMode(Centring::RaDec);
+        m_view->coordinates.SetCentreRaDec(m_doc->observer, raRad, decRad);
+        QImage image(1920, 1080, QImage::Format_RGB32);
+        QPainter painter(&image);
+        m_renderer->Draw(DrawSurface{&painter, SurfaceKind::RasterDisplay, 1920, 1080, 96.0, 96.0}, *m_view, {});
+    }
+
+    // Where the projection puts a J2000 place (frame of date ≈ J2000 here).
+    ScreenPoint Expected(double raRad, double decRad) const
+    {
+        PlanePoint p;
+        m_view->coordinates.ToPlane(raRad, decRad, p);
+        return m_view->coordinates.PlaneToScreen(p);
+    }
+
+    CMemorySettingsStore m_store;
+    std::unique_ptr<CChartCatalogues> m_catalogues;
+    std::unique_ptr<CMapDoc> m_doc;
+    std::unique_ptr<CMapView> m_view;
+    std::unique_ptr<CChartRenderer> m_renderer;
+};
+
+double Hms(double h, double m, double s) { return (h + m / 60.0 + s / 3600.0) * kRadPerHour; }
+double Dms(double d, double m, double s) { return (d < 0 ? -1.0 : 1.0) * (std::fabs(d) + m / 60.0 + s / 3600.0) * kRadPerDeg; }
+
+}  // namespace
+
+// Orion at level 3 (16° to the top edge): Betelgeuse at the centre, Rigel
+// where the projection puts its catalogue place. Tolerance 2 pixels (the
+// disc's whole-pixel placement and nutation, under 20″ = 0.2 pixel here).
+TEST_F(RealChart, OrionStarsWhereTheyBelong)
+{
+    const double betelgeuseRa = Hms(5, 55, 10.305), betelgeuseDec = Dms(7, 24, 25.43);
+    const double rigelRa = Hms(5, 14, 32.272), rigelDec = Dms(-8, 12, 5.90);
+    Draw(2, betelgeuseRa, betelgeuseDec);
+    const ScreenPoint centre{static_cast<double>(m_view->coordinates.ScreenCentreX()),
+                             static_cast<double>(m_view->coordinates.ScreenCentreY())};
+    const auto betelgeuse = m_renderer->Identify(centre.x, centre.y, 2.0);
+    ASSERT_TRUE(betelgeuse);
+    EXPECT_EQ(betelgeuse->designation, "alpha Ori");
+    EXPECT_NEAR_UNIT(centre.x, betelgeuse->xPx, 2.0, orv::test::kSame);
+    EXPECT_NEAR_UNIT(centre.y, betelgeuse->yPx, 2.0, orv::test::kSame);
+
+    const ScreenPoint rigelAt = Expected(rigelRa, rigelDec);
+    EXPECT_GT(rigelAt.x, centre.x);  // west of Betelgeuse: to the right
+    EXPECT_GT(rigelAt.y, centre.y);  // south: below
+    const auto rigel = m_renderer->Identify(rigelAt.x, rigelAt.y, 2.0);
+    ASSERT_TRUE(rigel);
+    EXPECT_EQ(rigel->designation, "beta Ori");
+    EXPECT_NEAR_UNIT(rigelAt.x, rigel->xPx, 2.0, orv::test::kSame);
+    EXPECT_NEAR_UNIT(rigelAt.y, rigel->yPx, 2.0, orv::test::kSame);
+}
+
+// At the celestial pole: Polaris, 44′ from the pole, found where the
+// projection puts it (its place comes through the rigorous space-motion path
+// above 85° of declination).
+TEST_F(RealChart, PolarisBesideThePole)
+{
+    Draw(4, 0.0, kHalfPi);
+    const ScreenPoint at = Expected(Hms(2, 31, 49.09), Dms(89, 15, 50.8));
+    const auto polaris = m_renderer->Identify(at.x, at.y, 2.0);
+    ASSERT_TRUE(polaris);
+    EXPECT_EQ(polaris->designation, "alpha UMi");
+    EXPECT_NEAR_UNIT(at.x, polaris->xPx, 2.0, orv::test::kSame);
+    EXPECT_NEAR_UNIT(at.y, polaris->yPx, 2.0, orv::test::kSame);
+    EXPECT_GT(m_renderer->LastStats().starsDrawn, 100);
 }

@@ -216,4 +216,5 @@ TEST(VisibleStarList, ListingStartsWithItsHeading)
     const std::string text = VisibleStarsListing(rows);
     EXPECT_EQ(text.rfind("Stars Visible on the Map\n\n", 0), 0u);
     EXPECT_NE(text.find("alpha Ori\t0.45\t1.85\t"), std::string::npos);
+    EXPECT_EQ(StarListColumnKey(3), "StarListCol3");
 }

@@ -229,6 +229,8 @@ void SortVisibleStars(std::vector<VisibleStarRow>& rows, StarListSort by, SortDi
                      [&](const VisibleStarRow& a, const VisibleStarRow& b) { return dir * compare(a, b) < 0; });
 }
 
+std::string StarListColumnKey(int column) { return Format("StarListCol%1d", column); }
+
 const char* StarListHeading(int column)
 {
     static constexpr const char* kHeadings[kStarListColumns] = {"Star", "Mag", "B-V", "Var", "Dbl", "RA (J2000)",

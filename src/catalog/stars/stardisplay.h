@@ -156,6 +156,9 @@ void SortVisibleStars(std::vector<VisibleStarRow>& rows, StarListSort by, SortDi
 
 // The columns of the list window, for its "StarListCol%1d" widths.
 inline constexpr int kStarListColumns = 7;
+// The settings key of a column's width in the "Stars" section:
+// "StarListCol%1d" with the column number.
+std::string StarListColumnKey(int column);
 // Column headings: designation, magnitude, B−V, variable, double, RA, Dec.
 const char* StarListHeading(int column);
 // The text of one cell (the list window and the text listing).
