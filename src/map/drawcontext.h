@@ -12,11 +12,13 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <optional>
 
 #include "map/chartframe.h"
 #include "map/labelplacer.h"
 #include "map/mapdraw.h"
 #include "map/mapview.h"
+#include "util/angles.h"
 
 namespace orv {
 
@@ -109,6 +111,30 @@ CompassDirections CompassAt(const CChartFrame& frame, double xPx, double yPx);
 // Takes the corners that the scale line and the compass will use, before any
 // label is placed, so that no label goes under them.
 void ReserveMarkAreas(DrawContext& ctx);
+
+// Spacing of one grid: latitude step in arc seconds, longitude step in arc
+// seconds (or seconds of time for right ascension).
+struct GridSpacing {
+    int latStepArcsec = 36000;
+    int lonStepUnits = 3600;
+    bool lonInTime = false;
+    double LonStepRad() const { return lonInTime ? lonStepUnits * kTwoPi / 86400.0 : lonStepUnits * kRadPerArcsec; }
+    double LatStepRad() const { return latStepArcsec * kRadPerArcsec; }
+};
+// "Method" 0: about six latitude lines from the centre to the top edge, in
+// steps read at a glance (1″ … 30°), longitude lines as far apart on the sky
+// at the centre's latitude (1s … 6h of right ascension, 1″ … 90°).
+GridSpacing AutomaticSpacing(GridKind kind, double fieldDeg, double centreLatRad);
+// "Method" 1: the stored intervals (right ascension in minutes of time, the
+// others in arc minutes); nothing when they are zero or negative or would
+// fill the cap of `capRadiusRad` with more than 400 lines.
+std::optional<GridSpacing> StoredSpacing(const CGridData& data, double capRadiusRad);
+// Grid labels: "%1dh" on whole hours, "%1dh%02dm" on minutes (seconds only
+// below a minute); angles "+20°", "+20°30'", "+20°30'15\""; azimuths with
+// N, E, S, W at the cardinal points.
+QString HourLabel(long long secondsOfTime);
+QString AngleLabel(long long arcsec, bool signedValue, bool withDegreeSign = true);
+QString AzimuthLabel(long long arcsec);
 
 // The ground below the horizon: a test in projection-plane coordinates.
 // Stereographic projection maps the horizon to a circle (or a line), so the

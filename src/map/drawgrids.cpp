@@ -125,18 +125,7 @@ private:
     double m_cosEps = 1.0, m_sinEps = 0.0;
 };
 
-// Spacing of one grid: latitude step in arc seconds, longitude step in arc
-// seconds (or seconds of time for right ascension).
-struct GridSpacing {
-    int latStepArcsec = 36000;
-    int lonStepUnits = 3600;  // arc seconds, or seconds of time for right ascension
-    bool lonInTime = false;
-    double LonStepRad() const
-    {
-        return lonInTime ? lonStepUnits * kTwoPi / 86400.0 : lonStepUnits * kRadPerArcsec;
-    }
-    double LatStepRad() const { return latStepArcsec * kRadPerArcsec; }
-};
+}  // namespace
 
 GridSpacing AutomaticSpacing(GridKind kind, double fieldDeg, double centreLatRad)
 {
@@ -173,7 +162,7 @@ std::optional<GridSpacing> StoredSpacing(const CGridData& data, double capRadius
     return s;
 }
 
-QString AngleLabel(long long arcsec, bool signedValue, bool withDegreeSign = true)
+QString AngleLabel(long long arcsec, bool signedValue, bool withDegreeSign)
 {
     const bool negative = arcsec < 0;
     const long long a = negative ? -arcsec : arcsec;
@@ -218,6 +207,8 @@ QString AzimuthLabel(long long arcsec)
     default: return AngleLabel(arcsec, false);
     }
 }
+
+namespace {
 
 void StrokePolylines(QPainter& p, const TracedCurve& c)
 {

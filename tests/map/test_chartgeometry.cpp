@@ -221,3 +221,61 @@ TEST(GroundTest, HorizonCircleOnAZenithChart)
     EXPECT_FALSE(ground.BelowHorizon(960, 4));   // just inside the top edge
     EXPECT_TRUE(ground.BelowHorizon(960 + 545, 540));  // beyond the circle at the side
 }
+
+// Grid spacing from the field: about six latitude lines from the centre to
+// the top edge, in readable steps; right ascension lines as far apart on the
+// sky at the centre's declination.
+TEST(GridSpacing, AutomaticFromTheField)
+{
+    // Level 1 (90°): 15° lines; 1h of right ascension on the equator is 15°.
+    GridSpacing s = AutomaticSpacing(GridKind::RaDec, 90.0, 0.0);
+    EXPECT_EQ(s.latStepArcsec, 15 * 3600);
+    EXPECT_EQ(s.lonStepUnits, 3600);
+    EXPECT_TRUE(s.lonInTime);
+    // Level 4 (8°): 1.33° wanted, 2° taken; at declination 60° the meridians
+    // need 4° of arc, 16 minutes of time → 20 minutes.
+    s = AutomaticSpacing(GridKind::RaDec, 8.0, 60.0 * kRadPerDeg);
+    EXPECT_EQ(s.latStepArcsec, 2 * 3600);
+    EXPECT_EQ(s.lonStepUnits, 20 * 60);
+    // Level 10 (5′): 50″ wanted, 1′ taken; 4 seconds of time → 5 s.
+    s = AutomaticSpacing(GridKind::RaDec, 5.0 / 60.0, 0.0);
+    EXPECT_EQ(s.latStepArcsec, 60);
+    EXPECT_EQ(s.lonStepUnits, 5);
+    // Near the pole the meridians stop widening at 6h (and 90° elsewhere).
+    EXPECT_EQ(AutomaticSpacing(GridKind::RaDec, 90.0, 89.0 * kRadPerDeg).lonStepUnits, 6 * 3600);
+    EXPECT_EQ(AutomaticSpacing(GridKind::AltAz, 90.0, 89.0 * kRadPerDeg).lonStepUnits, 90 * 3600);
+    EXPECT_FALSE(AutomaticSpacing(GridKind::Galactic, 10.0, 0.0).lonInTime);
+}
+
+TEST(GridSpacing, StoredIntervalsAndTheirLimits)
+{
+    CGridData data(GridKind::RaDec);
+    data.method = 1;
+    data.interval1 = 30;   // minutes of time
+    data.interval2 = 120;  // arc minutes
+    auto s = StoredSpacing(data, 20.0 * kRadPerDeg);
+    ASSERT_TRUE(s);
+    EXPECT_EQ(s->lonStepUnits, 1800);
+    EXPECT_EQ(s->latStepArcsec, 7200);
+    EXPECT_NEAR_UNIT(7.5 * kRadPerDeg, s->LonStepRad(), 1e-15, orv::test::kArcsecFromRad);
+    data.interval2 = 0;
+    EXPECT_FALSE(StoredSpacing(data, 20.0 * kRadPerDeg));
+    data.interval2 = 1;  // 1′ lines over a 130° cap: thousands of lines
+    EXPECT_FALSE(StoredSpacing(data, 130.0 * kRadPerDeg));
+}
+
+TEST(GridLabels, Formats)
+{
+    EXPECT_EQ(HourLabel(5 * 3600).toStdString(), "5h");
+    EXPECT_EQ(HourLabel(5 * 3600 + 30 * 60).toStdString(), "5h30m");
+    EXPECT_EQ(HourLabel(5 * 3600 + 4 * 60).toStdString(), "5h04m");
+    EXPECT_EQ(HourLabel(86400 + 3600).toStdString(), "1h");  // wrapped into the day
+    EXPECT_EQ(HourLabel(-3600).toStdString(), "23h");
+    EXPECT_EQ(HourLabel(5 * 3600 + 4 * 60 + 15).toStdString(), "5h04m15s");
+    EXPECT_EQ(AngleLabel(-(20 * 3600 + 30 * 60), true).toStdString(), "-20\u00B030'");
+    EXPECT_EQ(AngleLabel(45 * 3600, true).toStdString(), "+45\u00B0");
+    EXPECT_EQ(AngleLabel(0, true).toStdString(), "0\u00B0");
+    EXPECT_EQ(AngleLabel(10 * 3600 + 15, true).toStdString(), "+10\u00B000'15\"");
+    EXPECT_EQ(AzimuthLabel(90 * 3600).toStdString(), "E");
+    EXPECT_EQ(AzimuthLabel(200 * 3600).toStdString(), "200\u00B0");
+}
