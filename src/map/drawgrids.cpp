@@ -465,7 +465,7 @@ void FillGround(DrawContext& ctx)
     }
     QPainter& p = ctx.painter;
     p.save();
-    p.setClipRect(QRectF(0, 0, ctx.Width(), ctx.Height()));
+    p.setClipRect(QRectF(0, 0, ctx.Width(), ctx.Height()), Qt::IntersectClip);
     p.setPen(Qt::NoPen);
     p.setBrush(ctx.palette.ground);
     p.drawPath(toScreen.map(groundPath));

@@ -186,6 +186,31 @@ TEST(ChartPixels, LayerOutsideItsLevelsDrawsNothingLaterLayersStillDraw)
     EXPECT_NE(chart.Render(), outOfRange);  // in range, the grid shows
 }
 
+// On a chart of the whole sky centred at the zenith, the horizon runs
+// through the top and bottom edges: the corners are ground, filled in the
+// ground colour where the level has the solid horizon, sky where it has not.
+TEST(ChartPixels, GroundBelowTheHorizon)
+{
+    CSmallCatalogueChart chart;
+    CMapView& v = chart.View();
+    DiscsOnly(v);
+    v.altAzGrid.solidHorizonLevels = {0, 2};
+    v.SetLevel(0, CMapView::TakeField::Yes);
+    v.coordinates.SetCentreAltAz(chart.Doc().observer, kHalfPi, kPi);
+    ASSERT_EQ(v.altAzGrid.solidHorizon, 1);
+    const QRgb ground = MakePalette(ColourScheme::Normal, SurfaceKind::RasterDisplay, false).ground.rgb();
+    QImage image = chart.Render();
+    EXPECT_EQ(image.pixel(3, 3), ground);
+    EXPECT_EQ(image.pixel(chart.Width() - 4, chart.Height() - 4), ground);
+    EXPECT_EQ(image.pixel(chart.Width() / 2, 8), Background());  // just above the horizon at the top
+    EXPECT_NE(image.pixel(chart.Width() / 2 + chart.Height() / 2 + 8, chart.Height() / 2), Background());
+
+    v.altAzGrid.solidHorizonLevels = {-1, -1};
+    v.SetLevel(0, CMapView::TakeField::No);
+    image = chart.Render();
+    EXPECT_EQ(image.pixel(3, 3), Background());
+}
+
 TEST(ChartPixels, RedNightVisionHasNoGreenOrBlue)
 {
     CSmallCatalogueChart chart;  // grids, labels, marks, compass: everything
