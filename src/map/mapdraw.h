@@ -29,6 +29,9 @@ namespace orv {
 
 class CMapView;
 class CTycho2Catalogue;
+namespace sat {
+struct PlottedPassList;  // satellite/passdraw.h
+}
 
 enum class SurfaceKind {
     RasterDisplay,  // the chart window
@@ -92,6 +95,7 @@ struct RenderOptions {
     bool monochrome = false;              // printing in black and white
     std::optional<SearchTarget> target;   // the search target, when set
     bool showSearchTarget = true;         // View menu: search target shown
+    const sat::PlottedPassList* plottedPasses = nullptr;  // layer 21, not owned; nullptr: none
 };
 
 // One renderer per chart: it keeps what the chart reuses between redraws
