@@ -123,6 +123,12 @@ QWidget* EpochAgeRow(QWidget* parent, sat::CEarthSatSettings& settings, const st
 
 bool HeadingStarts(const std::string& heading, const char* word) { return heading.rfind(word, 0) == 0; }
 
+// "1 pass", "3 passes".
+QString Count(int n, const char* one, const char* many)
+{
+    return QStringLiteral("%1 %2").arg(n).arg(QString::fromLatin1(n == 1 ? one : many));
+}
+
 }  // namespace
 
 std::vector<int> PassTableRowOwners(const sat::PassSearchResult& result, const sat::CEarthSatSettings& settings)
@@ -686,6 +692,8 @@ CSatellitePassTablePage::CSatellitePassTablePage(CAppContext& app, QWidget* pare
     auto* layout = new QVBoxLayout(this);
     m_panel = new CSatelliteTablePanel(app, CSatelliteTablePanel::Kind::Passes, this);
     layout->addWidget(m_panel);
+    m_status = new QLabel(this);
+    layout->insertWidget(1, m_status);
     auto* buttons = m_panel->findChild<QHBoxLayout*>(QStringLiteral("TableButtons"));
     auto* back = new QPushButton(QStringLiteral("-"), this);
     auto* forward = new QPushButton(QStringLiteral("+"), this);
@@ -703,6 +711,9 @@ CSatellitePassTablePage::CSatellitePassTablePage(CAppContext& app, QWidget* pare
     connect(forward, &QPushButton::clicked, this, [this] { emit Step(+1); });
     connect(m_plot, &QPushButton::clicked, this, &CSatellitePassTablePage::PlotRequested);
 }
+
+void CSatellitePassTablePage::SetStatus(const QString& text) { m_status->setText(text); }
+QString CSatellitePassTablePage::Status() const { return m_status->text(); }
 
 // ------------------------------------------------------------------ pass sheet
 
@@ -766,8 +777,8 @@ bool CSatellitePassSheet::Compute()
         return false;
     }
 
-    QProgressDialog progress(all ? tr("Searching for passes of %n satellite(s)...", nullptr,
-                                      static_cast<int>(m_searched.size()))
+    QProgressDialog progress(all ? tr("Searching for passes of %1...")
+                                      .arg(Count(static_cast<int>(m_searched.size()), "satellite", "satellites"))
                                  : tr("Searching for passes of %1...").arg(ToQ(m_searched.front().name)),
                              tr("Cancel"), 0, 1000, this);
     progress.setWindowModality(Qt::WindowModal);
@@ -801,8 +812,8 @@ bool CSatellitePassSheet::Compute()
         QStringList texts;
         for (std::size_t i = 0; i < distinct.size() && i < kMostShown; ++i) texts << ToQ(distinct[i]);
         if (distinct.size() > kMostShown)
-            texts << tr("(and %n more satellite(s) with passes too long to be displayed)", nullptr,
-                        static_cast<int>(distinct.size() - kMostShown));
+            texts << tr("(and %1 more with passes too long to be displayed)")
+                         .arg(Count(static_cast<int>(distinct.size() - kMostShown), "satellite", "satellites"));
         QMessageBox::critical(this, QApplication::applicationName(), texts.join(QStringLiteral("\n\n")));
     }
 
@@ -810,6 +821,17 @@ bool CSatellitePassSheet::Compute()
         sat::MakePassTable(m_searched, m_result, m_resultSettings, m_resultSettings.passScope, localOffset);
     m_tablePage->Panel()->SetTable(table, m_settings.passColumns);
     m_rowOwners = PassTableRowOwners(m_result, m_resultSettings);
+    std::set<int> passesShown;
+    for (int owner : m_rowOwners)
+        if (owner >= 0) passesShown.insert(owner);
+    const int shown = static_cast<int>(passesShown.size());
+    QString status = m_result.completion == sat::PassSearchResult::Completion::Cancelled
+                         ? tr("The search was cancelled; the passes found until then are listed.")
+                         : shown == 0 ? tr("No passes were found.") : Count(shown, "pass.", "passes.");
+    if (!m_result.abandonedSatellites.empty())
+        status += QLatin1Char(' ') + tr("%1 left out because of the age of their elements.")
+                                        .arg(Count(static_cast<int>(m_result.abandonedSatellites.size()), "satellite", "satellites"));
+    m_tablePage->SetStatus(status);
     return true;
 }
 
@@ -842,8 +864,11 @@ void CSatellitePassSheet::PlotSelected()
 {
     sat::PlottedPassList passes = SelectedPasses();
     if (passes.passes.empty()) return;
+    const int count = static_cast<int>(passes.passes.size());
     if (!m_plot || !m_plot(std::move(passes)))
         QMessageBox::information(this, QApplication::applicationName(), tr("Open a star chart to plot the passes on."));
+    else
+        m_tablePage->SetStatus(tr("%1 plotted on the star chart.").arg(Count(count, "pass", "passes")));
 }
 
 void CSatellitePassSheet::StepPeriod(int direction)

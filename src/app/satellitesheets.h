@@ -228,6 +228,9 @@ public:
     CSatellitePassTablePage(CAppContext& app, QWidget* parent = nullptr);
     CSatelliteTablePanel* Panel() const { return m_panel; }
     QPushButton* PlotButton() const { return m_plot; }
+    // A line under the table: how the search ended, what was plotted.
+    void SetStatus(const QString& text);
+    QString Status() const;
 
 signals:
     void Step(int direction);  // "+" / "-"
@@ -236,6 +239,7 @@ signals:
 private:
     CSatelliteTablePanel* m_panel = nullptr;
     QPushButton* m_plot = nullptr;
+    QLabel* m_status = nullptr;
 };
 
 class CSatellitePassSheet : public QDialog {

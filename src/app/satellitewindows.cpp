@@ -221,7 +221,8 @@ void CSatelliteListWindow::ApplyFilter(const QString& text)
         item->setHidden(!match);
         shown += match ? 1 : 0;
     }
-    m_count->setText(wanted.isEmpty() ? tr("%n satellite(s)", nullptr, m_tree->topLevelItemCount())
+    m_count->setText(wanted.isEmpty() ? (m_tree->topLevelItemCount() == 1 ? tr("1 satellite")
+                                                                         : tr("%1 satellites").arg(m_tree->topLevelItemCount()))
                                       : tr("%1 of %2").arg(shown).arg(m_tree->topLevelItemCount()));
 }
 

@@ -243,6 +243,7 @@ TEST(PassSheet, TableSavedAndCopiedInTheCoreFormats)
     const sat::SatelliteTable expected =
         sat::MakePassTable(f.Doc().List().Records(), core, settings, sat::PassScope::SelectedSatellite, -4.0);
     ExpectSameTable(panel->View(), expected);
+    EXPECT_EQ(sheet.TablePage()->Status(), QStringLiteral("3 passes."));
     ASSERT_GE(panel->View()->rowCount(), 3);
     // satellite.js 7.1.0 puts the culmination of the 5 June evening pass at
     // JD 2458640.54610905 (01:06:23.4 UT = 21:06:23 EDT,
@@ -469,6 +470,7 @@ TEST(PassSheet, SelectedPassesArePlottedOnTheirMap)
     sheet.TablePage()->PlotButton()->click();
 
     ASSERT_EQ(map->PlottedPasses().passes.size(), 1u);
+    EXPECT_EQ(sheet.TablePage()->Status(), QStringLiteral("1 pass plotted on the star chart."));
     const sat::PlottedPass& plotted = map->PlottedPasses().passes[0];
     EXPECT_EQ(plotted.satelliteName, "ISS (ZARYA)");
     EXPECT_EQ(plotted.points.size(), sheet.Result().passes[0].points.size());
