@@ -144,10 +144,11 @@ void DrawArrowHead(QPainter& painter, QPointF tip, QPointF from, double sizePx)
     painter.drawPolygon(head);
 }
 
-// Text placed beside the path on its right-hand side (seen along the
-// direction of travel), starting `gapPx` from the anchor.
-void DrawBesidePath(QPainter& painter, const QFontMetricsF& metrics, QPointF anchor, double nx, double ny,
-                    double gapPx, const QString& text)
+// The box of a text placed beside the path, on the side of the normal
+// (nx, ny), starting `gapPx` from the anchor; `baseline` receives where
+// drawText puts it.
+QRectF TextBesidePath(const QFontMetricsF& metrics, QPointF anchor, double nx, double ny, double gapPx,
+                      const QString& text, QPointF& baseline)
 {
     const double w = metrics.horizontalAdvance(text);
     const double h = metrics.ascent();
@@ -155,8 +156,30 @@ void DrawBesidePath(QPainter& painter, const QFontMetricsF& metrics, QPointF anc
     // The text box grows away from the path in the direction of the normal.
     const double x = nx >= 0.0 ? base.x() : base.x() - w;
     const double y = base.y() + h * 0.5 * (1.0 + ny);
-    painter.drawText(QPointF(x, y), text);
+    baseline = QPointF(x, y);
+    return QRectF(x, y - h, w, h + metrics.descent());
 }
+
+// Texts already on the chart: a label that would overlap one is left out.
+// Slow satellites (high orbits seen for hours) would otherwise pile their
+// labels into an unreadable block; the labels kept are then spaced as
+// widely as their own size requires.
+class CLabelSpace {
+public:
+    explicit CLabelSpace(double marginPx) : m_margin(marginPx) {}
+    bool Take(const QRectF& r)
+    {
+        const QRectF padded = r.adjusted(-m_margin, -m_margin, m_margin, m_margin);
+        for (const QRectF& t : m_taken)
+            if (t.intersects(padded)) return false;
+        m_taken.push_back(r);
+        return true;
+    }
+
+private:
+    double m_margin;
+    std::vector<QRectF> m_taken;
+};
 
 }  // namespace
 
@@ -251,8 +274,10 @@ void DrawPlottedPasses(const DrawSurface& surface, const CChartFrame& frame, con
     const QFontMetricsF nameMetrics(nameFont);
     const double tickPx = 4.0 * px;
 
+    std::vector<std::vector<std::vector<QPointF>>> runsOfPass;
     for (const PlottedPass& pass : passes.passes) {
-        const auto runs = ScreenRuns(frame, pass);
+        runsOfPass.push_back(ScreenRuns(frame, pass));
+        const auto& runs = runsOfPass.back();
         QPen pen(style.path, 1.6 * px, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
         painter.setPen(pen);
         painter.setBrush(Qt::NoBrush);
@@ -283,23 +308,14 @@ void DrawPlottedPasses(const DrawSurface& surface, const CChartFrame& frame, con
             DrawArrowHead(painter, runs.back().back(), runs.back()[runs.back().size() - 2], 7.0 * px);
             painter.setBrush(Qt::NoBrush);
         }
+    }
 
-        // Ticks and clock times.
-        painter.setFont(font);
-        for (const PassLabel& label : PassLabels(frame, pass, passes.labelIntervalSec)) {
-            const QPointF at(label.at.x, label.at.y);
-            if (!inside.contains(at)) continue;
-            // The normal on the right-hand side of travel (pixel y grows downward).
-            const double nx = -label.directionY, ny = label.directionX;
-            painter.setPen(QPen(style.path, 1.2 * px));
-            painter.drawLine(QPointF(at.x() - nx * tickPx, at.y() - ny * tickPx),
-                             QPointF(at.x() + nx * tickPx, at.y() + ny * tickPx));
-            painter.setPen(style.text);
-            DrawBesidePath(painter, metrics, at, nx, ny, tickPx + 2.0 * px, QString::fromStdString(label.text));
-        }
-
-        // The name beside the first point on the chart, on the left of travel.
-        for (const auto& run : runs) {
+    CLabelSpace space(2.0 * px);
+    // Names first, beside the first point on the chart, on the left of travel.
+    painter.setFont(nameFont);
+    painter.setPen(style.text);
+    for (std::size_t k = 0; k < passes.passes.size(); ++k) {
+        for (const auto& run : runsOfPass[k]) {
             auto it = std::find_if(run.begin(), run.end(), [&](const QPointF& p) { return inside.contains(p); });
             if (it == run.end()) continue;
             const QPointF next = it + 1 != run.end() ? *(it + 1) : (it != run.begin() ? 2 * *it - *(it - 1) : *it);
@@ -307,11 +323,35 @@ void DrawPlottedPasses(const DrawSurface& surface, const CChartFrame& frame, con
             const double len = std::hypot(dx, dy);
             dx = len > 0.0 ? dx / len : 1.0;
             dy = len > 0.0 ? dy / len : 0.0;
-            painter.setFont(nameFont);
-            painter.setPen(style.text);
-            DrawBesidePath(painter, nameMetrics, *it, dy, -dx, tickPx + 2.0 * px,
-                           QString::fromStdString(pass.satelliteName));
+            const QString name = QString::fromStdString(passes.passes[k].satelliteName);
+            QPointF baseline;
+            const QRectF box = TextBesidePath(nameMetrics, *it, dy, -dx, tickPx + 2.0 * px, name, baseline);
+            if (space.Take(box)) painter.drawText(baseline, name);
             break;
+        }
+    }
+
+    // Ticks and clock times, each where it has room.
+    painter.setFont(font);
+    for (const PlottedPass& pass : passes.passes) {
+        QPointF lastTick(std::nan(""), std::nan(""));
+        for (const PassLabel& label : PassLabels(frame, pass, passes.labelIntervalSec)) {
+            const QPointF at(label.at.x, label.at.y);
+            if (!inside.contains(at)) continue;
+            // The normal on the right-hand side of travel (pixel y grows downward).
+            const double nx = -label.directionY, ny = label.directionX;
+            if (!(std::hypot(at.x() - lastTick.x(), at.y() - lastTick.y()) < 5.0 * px)) {
+                painter.setPen(QPen(style.path, 1.2 * px));
+                painter.drawLine(QPointF(at.x() - nx * tickPx, at.y() - ny * tickPx),
+                                 QPointF(at.x() + nx * tickPx, at.y() + ny * tickPx));
+                lastTick = at;
+            }
+            const QString text = QString::fromStdString(label.text);
+            QPointF baseline;
+            const QRectF box = TextBesidePath(metrics, at, nx, ny, tickPx + 2.0 * px, text, baseline);
+            if (!space.Take(box)) continue;
+            painter.setPen(style.text);
+            painter.drawText(baseline, text);
         }
     }
     painter.restore();
