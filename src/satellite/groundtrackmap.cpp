@@ -307,6 +307,10 @@ void DrawTrack(QPainter& painter, const QRectF& map, double central, const Groun
     // Time labels every N minutes of the track, counted from its start.
     if (options.labelIntervalMin > 0) {
         painter.setFont(labelFont);
+        const QFontMetricsF fm(labelFont);
+        // Near apogee a high orbit hardly moves: a label that would overlap
+        // one already drawn is left out, with its dot.
+        std::vector<QRectF> taken;
         const double startJd = runs.front().front().point->jdUT;
         for (int turn = firstTurn; turn <= lastTurn; ++turn) {
             const double shift = 360.0 * turn;
@@ -321,10 +325,15 @@ void DrawTrack(QPainter& painter, const QRectF& map, double central, const Groun
                     char buf[8];
                     std::snprintf(buf, sizeof buf, "%02d:%02d", t.hour, t.minute);
                     const QString text = QString::fromLatin1(buf);
+                    const QPointF textAt(at.x() + 5.0, at.y() - 4.0);
+                    const QRectF box(at.x() - 3.0, textAt.y() - fm.ascent() - 1.0, fm.horizontalAdvance(text) + 10.0,
+                                     fm.height() + 6.0);
+                    if (std::any_of(taken.begin(), taken.end(), [&](const QRectF& r) { return r.intersects(box); }))
+                        continue;
+                    taken.push_back(box);
                     painter.setPen(Qt::NoPen);
                     painter.setBrush(Qt::white);
                     painter.drawEllipse(at, 2.2, 2.2);
-                    const QPointF textAt(at.x() + 5.0, at.y() - 4.0);
                     // A thin dark halo keeps the label readable on any ground.
                     painter.setPen(QColor(0, 0, 0, 200));
                     for (const QPointF d : {QPointF(-1, 0), QPointF(1, 0), QPointF(0, -1), QPointF(0, 1)})
@@ -450,7 +459,7 @@ void DrawGroundTrackMap(QPainter& painter, const QRectF& area, const std::vector
     painter.drawRect(map);
 
     DrawLegend(painter, QRectF(area.left(), area.bottom() - LegendBand(area), area.width(), LegendBand(area)), small,
-               options.night);
+               track.points.empty() ? NightShading::Off : options.night);
     painter.restore();
 }
 
