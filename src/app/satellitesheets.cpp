@@ -541,6 +541,8 @@ bool CSatelliteGndTrkSheet::Compute()
     const bool computed = m_track.outcome == sat::GroundTrackResult::Outcome::Computed;
     if (!computed) m_track.points.clear();
     const sat::SatelliteTable table = sat::MakeGroundTrackTable(m_record, m_track, m_settings, m_localOffsetHours);
+    // The columns keep what the user made of them in the table shown before.
+    m_tablePage->Panel()->StoreLayouts(m_settings.groundTrackColumns);
     m_tablePage->Panel()->SetTable(table, m_settings.groundTrackColumns);
     m_mapPage->SetTrack(m_track, table.title, m_localOffsetHours);
     if (computed && m_track.points.empty() && m_track.failedSteps > 0)
@@ -819,6 +821,7 @@ bool CSatellitePassSheet::Compute()
 
     const sat::SatelliteTable table =
         sat::MakePassTable(m_searched, m_result, m_resultSettings, m_resultSettings.passScope, localOffset);
+    m_tablePage->Panel()->StoreLayouts(m_settings.passColumns);
     m_tablePage->Panel()->SetTable(table, m_settings.passColumns);
     m_rowOwners = PassTableRowOwners(m_result, m_resultSettings);
     std::set<int> passesShown;
