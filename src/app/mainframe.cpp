@@ -22,6 +22,7 @@
 #include "app/dialogs.h"
 #include "app/mapprint.h"
 #include "app/mapwindow.h"
+#include "app/satellitewindows.h"
 #include "app/strings.h"
 #include "catalog/stars/stardesignation.h"
 #include "catalog/stars/tycho2catalogue.h"
@@ -50,6 +51,7 @@ CMainFrame::CMainFrame(CAppContext& app, QWidget* parent) : QMainWindow(parent),
         UpdateStatus();
     });
 
+    m_satellites = new CSatelliteCommands(m_app, this, [this] { return ActiveMap(); });
     CreateActions();
     CreateMenus();
     CreateToolBars();
@@ -218,6 +220,8 @@ void CMainFrame::CreateMenus()
     map->addAction(m_findAct);
     map->addAction(m_starOptionsAct);
     map->addAction(m_gridOptionsAct);
+
+    menuBar()->addMenu(m_satellites->Menu());
 
     m_windowMenu = menuBar()->addMenu(tr("&Window"));
     connect(m_windowMenu, &QMenu::aboutToShow, this, [this] {

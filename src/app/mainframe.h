@@ -22,6 +22,7 @@ namespace orv {
 
 class CAppContext;
 class CMapWindow;
+class CSatelliteCommands;
 
 class CMainFrame : public QMainWindow {
     Q_OBJECT
@@ -69,6 +70,7 @@ private:
 
     CAppContext& m_app;
     QMdiArea* m_mdi = nullptr;
+    CSatelliteCommands* m_satellites = nullptr;  // the Satellites menu and windows
     QTimer m_timer;
     int m_nextMapNumber = 1;
 

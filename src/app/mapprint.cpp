@@ -114,6 +114,7 @@ void DrawMapPage(QPainter& painter, const QRect& page, double dpiX, double dpiY,
     options.monochrome = s.printMono != 0;
     options.target = window.Target();
     options.showSearchTarget = app.ShowSearchTarget();
+    options.plottedPasses = window.PlottedPassesToDraw();
     // Printing uses its own projection set-up; the window's is restored by
     // its next redraw.
     window.Renderer().Draw(surface, view, options);
@@ -213,6 +214,7 @@ void ExportMapWithDialog(QWidget* parent, CMapWindow& window, CAppContext& app)
     options.scheme = app.Scheme();
     options.target = window.Target();
     options.showSearchTarget = app.ShowSearchTarget();
+    options.plottedPasses = window.PlottedPassesToDraw();
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const ExportResult r =
         ExportChart(window.Renderer(), window.View(), options, path.toStdString(), width->value(), height->value());

@@ -193,7 +193,20 @@ RenderOptions CMapWindow::Options() const
     o.scheme = m_app.Scheme();
     o.target = m_target;
     o.showSearchTarget = m_app.ShowSearchTarget();
+    o.plottedPasses = PlottedPassesToDraw();
     return o;
+}
+
+void CMapWindow::SetPlottedPasses(sat::PlottedPassList passes)
+{
+    m_plottedPasses = std::move(passes);
+    RequestRedraw();
+}
+
+void CMapWindow::ClearPlottedPasses()
+{
+    m_plottedPasses.passes.clear();
+    RequestRedraw();
 }
 
 void CMapWindow::RequestRedraw()

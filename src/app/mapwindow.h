@@ -19,6 +19,7 @@
 
 #include "map/mapdraw.h"
 #include "map/mapfile.h"
+#include "satellite/passdraw.h"
 
 namespace orv {
 
@@ -86,6 +87,16 @@ public:
     // the time as the map's time mode says.
     void Tick();
 
+    // --- Satellite passes plotted on this chart ------------------------------------
+    void SetPlottedPasses(sat::PlottedPassList passes);
+    void ClearPlottedPasses();
+    const sat::PlottedPassList& PlottedPasses() const { return m_plottedPasses; }
+    // What the renderer is handed: nullptr when there is nothing to plot.
+    const sat::PlottedPassList* PlottedPassesToDraw() const
+    {
+        return m_plottedPasses.passes.empty() ? nullptr : &m_plottedPasses;
+    }
+
     // The object nearest a pixel of the chart, within a few pixels.
     std::optional<IdentifiedObject> IdentifyAt(QPointF px) const;
 
@@ -141,6 +152,7 @@ private:
     QPointF m_lastDragPx;
 
     std::optional<SearchTarget> m_target;
+    sat::PlottedPassList m_plottedPasses;
     QString m_cursorRaDec;
     QString m_cursorAltAz;
     double m_lastTickSecond = 0.0;

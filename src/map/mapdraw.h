@@ -31,6 +31,9 @@ namespace orv {
 
 class CMapView;
 class CTycho2Catalogue;
+namespace sat {
+struct PlottedPassList;  // satellite/passdraw.h
+}
 
 enum class SurfaceKind {
     RasterDisplay,  // the chart window
@@ -94,6 +97,7 @@ struct RenderOptions {
     bool monochrome = false;              // printing in black and white
     std::optional<SearchTarget> target;   // the search target, when set
     bool showSearchTarget = true;         // View menu: search target shown
+    const sat::PlottedPassList* plottedPasses = nullptr;  // layer 21, not owned; nullptr: none
 };
 
 // What the last draw did (for the status bar, the command line and tests).

@@ -1,0 +1,14 @@
+// The drawing tests paint text on images, which needs a QGuiApplication: one
+// on the offscreen platform lives for the whole run.
+
+#include <gtest/gtest.h>
+
+#include <QGuiApplication>
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
