@@ -112,7 +112,7 @@ bool AssembleCatalogue(std::vector<BuildStar> stars, const std::vector<IndexLine
 // --- Hipparcos photometry ------------------------------------------------------------
 
 // Tycho photometry saturates on the brightest stars and the Hipparcos Hp
-// magnitude is not V (V − Hp reaches −0.3 mag for red giants), so the Hipparcos
+// magnitude is not V (Arcturus: Hp 0.16, V −0.05), so the Hipparcos
 // stars take the Johnson V (field H5) and B−V (field H37) of the Hipparcos
 // catalogue (ESA 1997, SP-1200, vol. 1 sect. 2.1) instead, to 0.01 mag. The
 // values are read from kstars-data's "stars.dat", a fixed-column text copy of
