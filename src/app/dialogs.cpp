@@ -526,6 +526,44 @@ void CViewLevelsDialog::accept()
 
 CLevelTable CViewLevelsDialog::Result() const { return m_levels; }
 
+// ------------------------------------------------------------------ print and time step
+
+CViewSettingsDialog::CViewSettingsDialog(const CMapViewSettings& settings, Page page, CSettingsStore& store,
+                                         QWidget* parent)
+    : QDialog(parent), m_settings(settings)
+{
+    auto* layout = new QVBoxLayout(this);
+    auto* form = new CSettingsForm(this);
+    if (page == Page::Print) {
+        setWindowTitle(tr("Print Options"));
+        form->AddCheck(tr("Print the map title"), m_settings.printTitle);
+        form->AddCheck(tr("Print the key (magnitude scale)"), m_settings.printKey);
+        form->AddCheck(tr("Print the status line (site, time, centre, field)"), m_settings.printStatus);
+        form->AddCheck(tr("Print in black and white"), m_settings.printMono);
+        form->AddNumber(tr("Top margin:"), m_settings.printTopMargin, 0, 5000, tr(" × 0.001 in"));
+        form->AddNumber(tr("Bottom margin:"), m_settings.printBottomMargin, 0, 5000, tr(" × 0.001 in"));
+        form->AddNumber(tr("Left margin:"), m_settings.printLeftMargin, 0, 5000, tr(" × 0.001 in"));
+        form->AddNumber(tr("Right margin:"), m_settings.printRightMargin, 0, 5000, tr(" × 0.001 in"));
+    } else {
+        setWindowTitle(tr("Time Step"));
+        form->AddNumber(tr("Step by:"), m_settings.timeNumber, 1, 10000);
+        form->AddChoice(tr("Unit:"), m_settings.timeUnit,
+                        {tr("seconds"), tr("minutes"), tr("hours"), tr("days"), tr("weeks"), tr("months"), tr("years"),
+                         tr("sidereal days")});
+        form->AddChoice(tr("Map time:"), m_settings.timeMode,
+                        {tr("fixed"), tr("follows the clock"), tr("steps automatically")});
+        form->AddNumber(tr("Update every:"), m_settings.timeUpdateInterval, 1, 3600, tr(" s"));
+    }
+    layout->addWidget(form);
+    auto* buttons = OkCancel(this);
+    QPushButton* defaults = buttons->addButton(tr("Save as &Defaults"), QDialogButtonBox::ActionRole);
+    connect(defaults, &QPushButton::clicked, this, [this, &store] {
+        m_settings.Save(store);
+        store.Flush();
+    });
+    layout->addWidget(buttons);
+}
+
 // ------------------------------------------------------------------ visible stars
 
 void ShowVisibleStars(QWidget* parent, CMapWindow& window, CAppContext& app)

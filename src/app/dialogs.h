@@ -13,6 +13,7 @@
 
 #include "map/catalogsettings.h"
 #include "map/levels.h"
+#include "map/mapview.h"
 #include "observer/observer.h"
 
 class QCheckBox;
@@ -150,6 +151,19 @@ private:
     void accept() override;
     QTableWidget* m_table = nullptr;
     CLevelTable m_levels;
+};
+
+// The map's print options (title, key, status line, monochrome, margins)
+// and time-step options, edited on a copy of the view settings.
+class CViewSettingsDialog : public QDialog {
+    Q_OBJECT
+public:
+    enum class Page { Print, TimeStep };
+    CViewSettingsDialog(const CMapViewSettings& settings, Page page, CSettingsStore& store, QWidget* parent = nullptr);
+    const CMapViewSettings& Result() const { return m_settings; }
+
+private:
+    CMapViewSettings m_settings;
 };
 
 // The list of the stars on the active chart, with saving and copying.

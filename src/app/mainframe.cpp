@@ -101,6 +101,8 @@ void CMainFrame::CreateActions()
                             }));
     m_printAct = make(tr("&Print..."), QKeySequence::Print, [this] { PrintMap(); });
     m_previewAct = make(tr("Print Pre&view..."), QKeySequence(), [this] { PrintPreview(); });
+    m_printOptionsAct = make(tr("Print &Options..."), QKeySequence(), [this] { EditViewSettings(0); });
+    m_timeStepAct = make(tr("Time S&tep..."), QKeySequence(), [this] { EditViewSettings(1); });
     m_exportAct = make(tr("&Export Chart..."), QKeySequence(Qt::CTRL | Qt::Key_E), [this] { ExportPicture(); });
     m_exitAct = make(tr("E&xit"), QKeySequence::Quit, [this] { close(); }, false);
 
@@ -179,6 +181,7 @@ void CMainFrame::CreateMenus()
     file->addSeparator();
     file->addAction(m_printAct);
     file->addAction(m_previewAct);
+    file->addAction(m_printOptionsAct);
     file->addAction(m_exportAct);
     file->addSeparator();
     file->addAction(m_exitAct);
@@ -210,6 +213,7 @@ void CMainFrame::CreateMenus()
     map->addAction(m_stepForwardAct);
     QMenu* modes = map->addMenu(tr("Time &Mode"));
     modes->addActions(m_timeModeActs);
+    map->addAction(m_timeStepAct);
     map->addSeparator();
     map->addAction(m_findAct);
     map->addAction(m_starOptionsAct);
@@ -488,6 +492,20 @@ void CMainFrame::PrintMap()
 void CMainFrame::PrintPreview()
 {
     if (CMapWindow* w = ActiveMap()) PreviewMap(this, *w, m_app);
+}
+
+void CMainFrame::EditViewSettings(int page)
+{
+    CMapWindow* w = ActiveMap();
+    if (w == nullptr) return;
+    CViewSettingsDialog dialog(w->View().settings,
+                               page == 0 ? CViewSettingsDialog::Page::Print : CViewSettingsDialog::Page::TimeStep,
+                               m_app.Settings(), this);
+    if (dialog.exec() == QDialog::Accepted) {
+        w->View().settings = dialog.Result();
+        w->MapChanged();
+        UpdateActions();
+    }
 }
 
 void CMainFrame::ExportPicture()

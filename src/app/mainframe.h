@@ -58,6 +58,7 @@ private:
     void OpenDialog();
     void PrintMap();
     void PrintPreview();
+    void EditViewSettings(int page);
     void ExportPicture();
     void SiteAndTime();
     void StarOptions();
@@ -86,6 +87,8 @@ private:
     QAction* m_saveDefaultAct = nullptr;
     QAction* m_printAct = nullptr;
     QAction* m_previewAct = nullptr;
+    QAction* m_printOptionsAct = nullptr;
+    QAction* m_timeStepAct = nullptr;
     QAction* m_exportAct = nullptr;
     QAction* m_exitAct = nullptr;
     QAction* m_zoomInAct = nullptr;

@@ -23,12 +23,14 @@ int CheckUnknown(Context& ctx, const std::vector<std::string>& known)
     return 0;
 }
 
-void Report(Context& ctx, const CMapView& view, const MapFileResult* truncated)
+// Prints the map block by block; `read` is the result of reading it from a file.
+void Report(Context& ctx, const CMapView& view, const MapFileResult* read)
 {
     QJsonObject blocks = DescribeMap(view);
-    if (truncated != nullptr && truncated->truncated) {
+    if (read != nullptr) {
         QJsonObject m = blocks["Map"].toObject();
-        m["Warning"] = "the file ends early; settings after the end keep their defaults";
+        m["FileVersion"] = read->version;
+        if (read->truncated) m["Warning"] = "the file ends early; settings after the end keep their defaults";
         blocks["Map"] = m;
     }
     if (ctx.json)
@@ -118,18 +120,7 @@ int MapInfo(Context& ctx)
     CMapView view(doc, ctx.settings, levels);
     const MapFileResult r = LoadMapFile(path, view);
     if (!r.Ok()) return Fail(ctx, r.Message());
-    QJsonObject blocks = DescribeMap(view);
-    QJsonObject m = blocks["Map"].toObject();
-    m["FileVersion"] = r.version;
-    blocks["Map"] = m;
-    if (r.truncated) {
-        m["Warning"] = "the file ends early; settings after the end keep their defaults";
-        blocks["Map"] = m;
-    }
-    if (ctx.json)
-        PrintJson(ctx.out, blocks);
-    else
-        PrintBlocks(ctx.out, blocks);
+    Report(ctx, view, &r);
     return 0;
 }
 
