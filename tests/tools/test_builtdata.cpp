@@ -3,7 +3,9 @@
 // no built catalogue.
 //
 // Reference identifications (SIMBAD; Hipparcos Catalogue ESA SP-1200; Yale
-// Bright Star Catalogue, 5th ed.):
+// Bright Star Catalogue, 5th ed.), and for the magnitudes:
+//   Arcturus α Boo  HIP 69673   Canopus α Car  HIP 30438   Rigel β Ori  HIP 24436
+//   Betelgeuse α Ori  HIP 27989
 //   Sirius  α CMa = 9 CMa   TYC 5949-2777-1  HIP 32349  HD 48915   SAO 151881  HR 2491
 //   Polaris α UMi = 1 UMi   TYC 4628-237-1   HIP 11767  HD 8890    SAO 308     HR 424
 //   Vega    α Lyr = 3 Lyr   TYC 3105-2070-1  HIP 91262  HD 172167  SAO 67174   HR 7001
@@ -196,4 +198,67 @@ TEST_F(BuiltData, VariableAndDoubleStarsCarryTheirDesignations)
     ASSERT_LE(code, codes);
     EXPECT_STREQ(reinterpret_cast<const char*>(wds.Data() + code * kWdsEntrySize), "Σ");
     EXPECT_EQ(LoadLE<std::uint16_t>(d + 6), 1110);
+}
+
+TEST_F(BuiltData, BrightStarsCarryTheHipparcosMagnitudes)
+{
+    // V and B−V published by the Hipparcos Catalogue (ESA 1997, SP-1200;
+    // fields H5, to 0.01 mag, and H37, to 0.001 mag), which the files hold to
+    // 0.01 mag: V must agree to 0.005 mag and B−V to 0.0051 mag (the
+    // rounding of H37 to 0.01).
+    //
+    // Against the ground-based photometry of the Yale Bright Star Catalogue
+    // (5th ed., Hoffleit & Warren 1991) V agrees to 0.03 mag for stars of
+    // constant light. Wider, with the reason: Canopus, whose Hipparcos V is
+    // 0.10 mag fainter than the Bright Star Catalogue's; the variables
+    // Polaris (a Cepheid that has brightened since the BSC's photometry),
+    // Rigel (α Cyg type) and Betelgeuse (semiregular, 0.0-1.3 V, whose B−V of
+    // 1.85 in the BSC differs from Hipparcos's 1.50).
+    struct Published {
+        const char* name;
+        std::uint32_t hip;
+        double hipV, hipBV;  // Hipparcos Catalogue
+        double bscV, bscBV;  // Bright Star Catalogue
+        double tolV, tolBV;  // against the Bright Star Catalogue, mag
+    };
+    const Published stars[] = {
+        {"Sirius", 32349, -1.44, 0.009, -1.46, 0.00, 0.03, 0.03},
+        {"Vega", 91262, 0.03, -0.001, 0.03, 0.00, 0.03, 0.03},
+        {"Arcturus", 69673, -0.05, 1.239, -0.04, 1.23, 0.03, 0.03},
+        {"Canopus", 30438, -0.62, 0.164, -0.72, 0.15, 0.12, 0.03},
+        {"Polaris", 11767, 1.97, 0.636, 2.02, 0.60, 0.08, 0.05},
+        {"Rigel", 24436, 0.18, -0.030, 0.12, -0.03, 0.08, 0.03},
+        {"Betelgeuse", 27989, 0.45, 1.500, 0.50, 1.85, 0.30, 0.40},
+    };
+    for (const auto& p : stars) {
+        SCOPED_TRACE(p.name);
+        const std::int64_t rec = Cross("hip.idx", p.hip);
+        ASSERT_GE(rec, 0);
+        const std::uint8_t* r = Record(static_cast<std::size_t>(rec));
+        const double v = LoadLE<std::int16_t>(r + rec::kMag) / 100.0;
+        const double bv = LoadLE<std::int16_t>(r + rec::kBV) / 1000.0;
+        EXPECT_TRUE(LoadLE<std::uint16_t>(r + rec::kOrigin) & origin::kMagFromHipparcos);
+        EXPECT_NEAR(v, p.hipV, 0.005);
+        EXPECT_NEAR(bv, p.hipBV, 0.0051);
+        EXPECT_NEAR(v, p.bscV, p.tolV);
+        EXPECT_NEAR(bv, p.bscBV, p.tolBV);
+    }
+}
+
+TEST_F(BuiltData, HipparcosMagnitudesCoverTheHipparcosStarsToV8)
+{
+    // kstars-data's list holds the 41,074 Hipparcos stars brighter than
+    // V 8.00. All but those whose Tycho-2 components share the light (about
+    // 1,900) or that cannot be identified (about 100) take their values.
+    std::size_t count = 0, wrong = 0;
+    for (std::size_t i = 0; i < Count(); ++i) {
+        const std::uint8_t* r = Record(i);
+        if (!(LoadLE<std::uint16_t>(r + rec::kOrigin) & origin::kMagFromHipparcos)) continue;
+        ++count;
+        wrong += LoadLE<std::uint32_t>(r + rec::kHip) == 0 || LoadLE<std::int16_t>(r + rec::kMag) > 799 ||
+                 LoadLE<std::int16_t>(r + rec::kBV) == kNoColour || LoadLE<std::int16_t>(r + rec::kBV) % 10 != 0;
+    }
+    EXPECT_EQ(wrong, 0u);
+    EXPECT_GT(count, 38000u);
+    EXPECT_LE(count, 41074u);
 }

@@ -337,6 +337,216 @@ TEST(CatalogueAssembly, RegionsInOrderBrightestFirstAndBoundsHoldEveryStar)
 }
 
 // ---------------------------------------------------------------------------
+// Hipparcos photometry: lines quoted from kstars-data's "stars.dat" (the
+// Hipparcos catalogue, ESA 1997, fields H5 V and H37 B−V, and Tycho-1 lines).
+
+namespace {
+const std::string kKStarsSirius =
+    "064508.92 -164258.0 -000546.0-001223.100379.2 -1.4400.01A0 1            , alp CMa, Sirius";
+const std::string kKStarsKappaCas =
+    "003260.00 +625554.4 +000004.0-000002.100000.8 04.1700.13B1 0            , kap Cas";
+const std::string kKStarsTycho1 = "003149.75 +045046.2 +000000.8-000022.400008.5 08.0000.32F? 0";
+
+// A "stars.dat" line at a J2000 place given in mas.
+std::string KStarsLine(std::int64_t raMas, std::int64_t decMas, double v, double bv, const char* type = "A0")
+{
+    const std::int64_t raCentiSec = (raMas + 75) / 150;  // 0.01 s of time
+    const std::int64_t decDeci = (std::abs(decMas) + 50) / 100;  // 0.1″
+    char buf[128];
+    std::snprintf(buf, sizeof buf, "%02lld%02lld%02lld.%02lld %c%02lld%02lld%02lld.%01lld +000000.0+000000.000000.0 %05.2f%05.2f%-2s 0",
+                  static_cast<long long>(raCentiSec / 360000), static_cast<long long>(raCentiSec / 6000 % 60),
+                  static_cast<long long>(raCentiSec / 100 % 60), static_cast<long long>(raCentiSec % 100),
+                  decMas < 0 ? '-' : '+', static_cast<long long>(decDeci / 36000),
+                  static_cast<long long>(decDeci / 600 % 60), static_cast<long long>(decDeci / 10 % 60),
+                  static_cast<long long>(decDeci % 10), v, bv, type);
+    return buf;
+}
+
+KStarsStar HipLine(std::int32_t raMas, std::int32_t decMas, int magCenti, int bvCenti)
+{
+    KStarsStar k;
+    k.raMas = raMas;
+    k.decMas = decMas;
+    k.magCenti = static_cast<std::int16_t>(magCenti);
+    k.bvCenti = static_cast<std::int16_t>(bvCenti);
+    return k;
+}
+
+BuildStar HipStar(int tyc1, int tyc2, int tyc3, int magCenti, std::int32_t raMas, std::int32_t decMas,
+                  std::uint32_t hip, const char* ccdm = "")
+{
+    BuildStar s;
+    s.tyc1 = static_cast<std::int16_t>(tyc1);
+    s.tyc2 = static_cast<std::uint16_t>(tyc2);
+    s.tyc3 = static_cast<std::uint8_t>(tyc3);
+    s.flags = static_cast<std::uint16_t>(tyc3);
+    s.magCenti = static_cast<std::int16_t>(magCenti);
+    s.bvMilli = 1000;
+    s.raMas = raMas;
+    s.decMas = decMas;
+    s.hip = hip;
+    std::strncpy(s.ccdm, ccdm, sizeof s.ccdm - 1);
+    return s;
+}
+
+constexpr std::int32_t kArcsecMas = 1000;
+}  // namespace
+
+TEST(KStarsLines, HipparcosLinesAreToldFromTycho1Lines)
+{
+    KStarsStar k;
+    std::string error;
+    // Sirius: 06h45m08.92s −16°42′58.0″, V −1.44, B−V 0.01 (Hipparcos H5, H37 = 0.009).
+    ASSERT_TRUE(ParseKStarsStarLine(kKStarsSirius, k, error)) << error;
+    EXPECT_EQ(k.raMas, (6 * 3600 + 45 * 60) * 15000 + 892 * 150);
+    EXPECT_EQ(k.decMas, -((16 * 3600 + 42 * 60 + 58) * 1000));
+    EXPECT_EQ(k.magCenti, -144);
+    EXPECT_EQ(k.bvCenti, 1);
+    EXPECT_EQ(k.entry, KStarsEntry::Hipparcos);
+
+    // κ Cas is written 00h32m60.00s: the seconds carry into the minute.
+    ASSERT_TRUE(ParseKStarsStarLine(kKStarsKappaCas, k, error)) << error;
+    EXPECT_EQ(k.raMas, 33 * 60 * 15000);
+    EXPECT_EQ(k.magCenti, 417);
+
+    // A Tycho-1 star: spectral class estimated from the colour ("F?").
+    ASSERT_TRUE(ParseKStarsStarLine(kKStarsTycho1, k, error)) << error;
+    EXPECT_EQ(k.entry, KStarsEntry::Tycho1);
+    EXPECT_EQ(k.bvCenti, 32);
+
+    // The helper that writes such lines reads back to the same place.
+    ASSERT_TRUE(ParseKStarsStarLine(KStarsLine(1295999850, -324000000 + 300, 7.5, -0.25), k, error)) << error;
+    EXPECT_EQ(k.raMas, 1295999850);
+    EXPECT_EQ(k.decMas, -324000000 + 300);
+    EXPECT_EQ(k.bvCenti, -25);
+
+    EXPECT_FALSE(ParseKStarsStarLine(kKStarsSirius.substr(0, 50), k, error));
+    EXPECT_FALSE(ParseKStarsStarLine(WithColumns(kKStarsSirius, 11, 11, "*"), k, error));     // no sign
+    EXPECT_FALSE(ParseKStarsStarLine(WithColumns(kKStarsSirius, 1, 2, "24"), k, error));      // 24h
+    EXPECT_FALSE(ParseKStarsStarLine(WithColumns(kKStarsSirius, 12, 13, "91"), k, error));    // beyond the pole
+    EXPECT_FALSE(ParseKStarsStarLine(WithColumns(kKStarsSirius, 47, 51, "-3.00"), k, error)); // V out of range
+    EXPECT_FALSE(ParseKStarsStarLine(WithColumns(kKStarsSirius, 52, 56, " x.01"), k, error));
+    EXPECT_FALSE(ParseKStarsStarLine(" " + kKStarsSirius, k, error));                          // columns shifted
+}
+
+TEST(HipparcosPhotometry, HipparcosValuesReplaceTychoAndTheRegionIsReordered)
+{
+    // Region 1: a Hipparcos star whose Tycho V (0.58, B−V 1.77) is fainter
+    // than a neighbour's (0.50) until it takes its Hipparcos V 0.45 and B−V
+    // 1.50 (Betelgeuse's values); a second Hipparcos star that only a Tycho-1
+    // line covers keeps its Tycho values.
+    const std::int32_t ra = 100 * 3600 * kArcsecMas, dec = 7 * 3600 * kArcsecMas;
+    std::vector<BuildStar> stars{
+        HipStar(1, 10, 1, 58, ra, dec, 27989),
+        HipStar(1, 11, 1, 50, ra + 60 * kArcsecMas, dec, 0),
+        HipStar(1, 12, 1, 790, ra + 120 * kArcsecMas, dec, 3000),
+    };
+    stars[0].bvMilli = 1770;
+    KStarsStar tycho1 = HipLine(ra + 120 * kArcsecMas, dec, 780, 40);
+    tycho1.entry = KStarsEntry::Tycho1;
+    const std::vector<KStarsStar> lines{HipLine(ra + 300, dec - 400, 45, 150), tycho1};
+
+    PhotometryReport report;
+    ApplyHipparcosPhotometry(stars, lines, report);
+    EXPECT_EQ(report.replaced, 1u);
+    EXPECT_EQ(stars[0].magCenti, 45);
+    EXPECT_EQ(stars[0].bvMilli, 1500);  // 0.01 mag × 10
+    EXPECT_TRUE(stars[0].origin & tycho2::origin::kMagFromHipparcos);
+    EXPECT_EQ(stars[2].magCenti, 790);
+    EXPECT_FALSE(stars[2].origin & tycho2::origin::kMagFromHipparcos);
+
+    Catalogue cat;
+    std::string error;
+    ASSERT_TRUE(AssembleCatalogue(stars, EmptyIndex(), cat, error)) << error;
+    EXPECT_EQ(cat.stars[0].tyc2, 10);
+    EXPECT_EQ(cat.stars[1].tyc2, 11);
+    EXPECT_EQ(cat.regionBrightest[0], 45);
+}
+
+TEST(HipparcosPhotometry, MismatchedLinesAreSkippedAndReported)
+{
+    const std::int32_t dec = 20 * 3600 * kArcsecMas;
+    auto ra = [](int i) { return (10 + i) * 3600 * kArcsecMas; };
+    std::vector<BuildStar> stars{
+        HipStar(1, 1, 1, 889, ra(0), dec, 1236),          // Hipparcos V 7.89: 1.00 mag apart, skipped
+        HipStar(1, 2, 1, 888, ra(1), dec, 1237),          // 0.99 mag apart: taken
+        HipStar(1, 3, 1, 600, ra(2), dec, 1238),          // line 1.2″ away: no star within 1″
+        HipStar(1, 4, 1, 600, ra(3), dec, 1239),          // line 0.95″ away: taken
+        HipStar(1, 5, 1, 500, ra(4), dec, 1240, "A"),     // the line lies on the B component, 10″ from A
+        HipStar(1, 6, 1, 950, ra(4), dec + 10 * kArcsecMas, 1240, "B"),
+        HipStar(1, 7, 1, 700, ra(5), dec, 1241),          // two lines claim it: neither is taken
+    };
+    const std::vector<KStarsStar> lines{
+        HipLine(ra(0), dec, 789, 50),
+        HipLine(ra(1), dec, 789, 50),
+        HipLine(ra(2), dec + 1200, 600, 50),
+        HipLine(ra(3), dec + 950, 610, 50),
+        HipLine(ra(4), dec + 10 * kArcsecMas, 505, 50),
+        HipLine(ra(5), dec + 300, 700, 50),
+        HipLine(ra(5), dec - 300, 690, 50),
+    };
+    PhotometryReport report;
+    ApplyHipparcosPhotometry(stars, lines, report);
+    EXPECT_EQ(stars[0].magCenti, 889);
+    EXPECT_EQ(stars[1].magCenti, 789);
+    EXPECT_EQ(stars[2].magCenti, 600);
+    EXPECT_EQ(stars[3].magCenti, 610);
+    EXPECT_EQ(stars[4].magCenti, 500);
+    EXPECT_EQ(stars[5].magCenti, 950);
+    EXPECT_EQ(stars[6].magCenti, 700);
+    EXPECT_EQ(report.replaced, 2u);
+    EXPECT_EQ(report.magnitudeMismatch, 1u);
+    EXPECT_EQ(report.noStarWithin, 1u);
+    EXPECT_EQ(report.offPosition, 1u);
+    EXPECT_EQ(report.ambiguous, 2u);
+    ASSERT_EQ(report.mismatches.size(), 2u);
+    EXPECT_NE(report.mismatches[0].find("HIP 1236"), std::string::npos) << report.mismatches[0];
+    EXPECT_NE(report.mismatches[1].find("HIP 1240"), std::string::npos) << report.mismatches[1];
+}
+
+TEST(HipparcosPhotometry, EntriesSplitByTychoKeepTychoUnlessTheCompanionsAreFaint)
+{
+    // Castor-like: A 1.93 and B 2.97 add 0.36 mag to each other; Hipparcos's
+    // V 1.58 is their sum and belongs to neither. A system whose companion is
+    // 4 mag fainter (0.027 mag of light) gives its V to the main component.
+    const std::int32_t ra = 113 * 3600 * kArcsecMas, dec = 31 * 3600 * kArcsecMas;
+    std::vector<BuildStar> stars{
+        HipStar(2457, 2407, 1, 193, ra, dec, 36850, "A"),
+        HipStar(2457, 2407, 2, 297, ra + 4 * kArcsecMas, dec, 36850, "B"),
+        HipStar(2457, 100, 1, 520, ra + 3600 * kArcsecMas, dec, 5000, ""),
+        HipStar(2457, 101, 1, 920, ra + 3600 * kArcsecMas, dec + 5 * kArcsecMas, 5000, "B"),
+    };
+    const std::vector<KStarsStar> lines{HipLine(ra, dec, 158, 3), HipLine(ra + 3600 * kArcsecMas, dec, 512, 60)};
+    PhotometryReport report;
+    ApplyHipparcosPhotometry(stars, lines, report);
+    EXPECT_EQ(report.brightCompanions, 1u);
+    EXPECT_EQ(stars[0].magCenti, 193);
+    EXPECT_EQ(stars[1].magCenti, 297);
+    EXPECT_EQ(report.replaced, 1u);
+    EXPECT_EQ(stars[2].magCenti, 512);
+    EXPECT_EQ(stars[2].bvMilli, 600);
+    EXPECT_EQ(stars[3].magCenti, 920);
+}
+
+TEST(HipparcosPhotometry, PlacesAreComparedOnTheSphere)
+{
+    // Across 0h: 23h59m59.99s and 0.1 mas of right ascension lie 0.15″ apart
+    // on the equator. At δ = 89°59′59.6″, 12h apart in right ascension, the
+    // two places are 0.8″ apart across the pole.
+    const std::int32_t pole = 324000000 - 400;
+    std::vector<BuildStar> stars{
+        HipStar(1, 1, 1, 700, 0, 0, 1),
+        HipStar(9537, 1, 1, 700, 648000000, pole, 2),
+    };
+    const std::vector<KStarsStar> lines{HipLine(1295999850, 0, 690, 10), HipLine(0, pole, 695, 10)};
+    PhotometryReport report;
+    ApplyHipparcosPhotometry(stars, lines, report);
+    EXPECT_EQ(report.replaced, 2u);
+    EXPECT_EQ(stars[0].magCenti, 690);
+    EXPECT_EQ(stars[1].magCenti, 695);
+}
+
+// ---------------------------------------------------------------------------
 // The whole build on a miniature source tree.
 
 namespace {
@@ -345,6 +555,7 @@ struct MiniSources {
     fs::path root;
     fs::path tycho2;
     fs::path stellarium;
+    fs::path kstars;
     fs::path out;
 };
 
@@ -398,6 +609,7 @@ MiniSources MakeMiniSources()
     m.root = orv::test::MakeTempDir();
     m.tycho2 = m.root / "tycho2";
     m.stellarium = m.root / "stellarium";
+    m.kstars = m.root / "kstars";
     m.out = m.root / "data";
     // Regions 1, 4294 and 4295: the Tycho identifiers of the last two lie on
     // either side of 2^32, where a sort on the low word alone would go wrong.
@@ -427,7 +639,16 @@ MiniSources MakeMiniSources()
     WriteText(st / "extra_name.fab", "  1001|Σ_3053\n  1001|HJ_1\n");
     WriteText(st / "hip_pm.dat", "# pm\n32349\t-546.01\t-1223.07\n");
     WriteStellariumCatalogue(st / "stars_0_0v0_8.cat", {{32349, 16, 37921}, {1001, 40, 1000}});
+    // Hipparcos V 6.85 and B−V 0.92 for HIP 140 (TYC 4295-2-1 at α 0.5°,
+    // δ 67.6°; Tycho V 6.91); a Tycho-1 line on HIP 139 is left out.
+    WriteText(m.kstars / "stars.dat", "# Star catalog\n" + KStarsLine(1800000, 243360000, 6.85, 0.92) + "\n" +
+                                          KStarsLine(1440000, 243000000, 9.95, 1.10, "K?") + "\n");
     return m;
+}
+
+BuildOptions Options(const MiniSources& m)
+{
+    return {m.tycho2.string(), m.stellarium.string(), m.out.string(), m.kstars.string()};
 }
 
 std::vector<std::uint8_t> FileBytes(const fs::path& p)
@@ -443,7 +664,7 @@ TEST(DataBuild, MiniatureSourcesGiveEveryFileInItsLayout)
     const MiniSources m = MakeMiniSources();
     std::string error;
     std::vector<std::string> progress;
-    ASSERT_TRUE(RunBuild({m.tycho2.string(), m.stellarium.string(), m.out.string()},
+    ASSERT_TRUE(RunBuild({m.tycho2.string(), m.stellarium.string(), m.out.string(), m.kstars.string()},
                          [&](const std::string& s) { progress.push_back(s); }, error))
         << error;
     EXPECT_FALSE(progress.empty());
@@ -478,12 +699,22 @@ TEST(DataBuild, MiniatureSourcesGiveEveryFileInItsLayout)
     // A star without parallax: below −1000.
     EXPECT_LT(LoadLE<float>(rec(2) + 24), -1000.0f);
 
+    // HIP 140 takes its Hipparcos V and B−V; HIP 139 keeps Tycho's.
+    const std::uint8_t* hip140 = rec(4);
+    ASSERT_EQ(LoadLE<std::uint32_t>(hip140 + 28), 140u);
+    EXPECT_EQ(LoadLE<std::int16_t>(hip140 + 4), 685);
+    EXPECT_EQ(LoadLE<std::int16_t>(hip140 + 6), 920);
+    EXPECT_TRUE(LoadLE<std::uint16_t>(hip140 + 36) & tycho2::origin::kMagFromHipparcos);
+    EXPECT_EQ(LoadLE<std::int16_t>(rec(3) + 4), 1008);  // 10.215 − 0.090 × 1.277
+    EXPECT_FALSE(LoadLE<std::uint16_t>(rec(3) + 36) & tycho2::origin::kMagFromHipparcos);
+
     // Region table: starts 0, 3, 3 … and the sentinel 6.
     const auto regions = FileBytes(m.out / "star/Tycho2/t2region.idx");
     EXPECT_EQ(LoadLE<std::uint32_t>(regions.data() + 0), 0u);
     EXPECT_EQ(LoadLE<std::int16_t>(regions.data() + 4), 791);
     EXPECT_EQ(LoadLE<std::uint32_t>(regions.data() + 6), 3u);
     EXPECT_EQ(LoadLE<std::uint32_t>(regions.data() + 9537 * 6), 6u);
+    EXPECT_EQ(LoadLE<std::int16_t>(regions.data() + 4294 * 6 + 4), 685);  // region 4295: the Hipparcos V
 
     // Tycho identifier index: sorted across the 2^32 boundary.
     const auto ids = FileBytes(m.out / "star/Tycho2/T2Id.idx");
@@ -565,19 +796,30 @@ TEST(DataBuild, DamagedSourceFailsAndLeavesExistingFilesIntact)
     // A truncated main catalogue: fewer records than index.dat announces.
     std::string main = ReadAll(m.tycho2 / "tyc2.dat");
     WriteText(m.tycho2 / "tyc2.dat", main.substr(0, main.rfind('\n', main.size() - 2) + 1));
-    EXPECT_FALSE(RunBuild({m.tycho2.string(), m.stellarium.string(), m.out.string()}, quiet, error));
+    EXPECT_FALSE(RunBuild(Options(m), quiet, error));
     EXPECT_NE(error.find("records"), std::string::npos) << error;
     EXPECT_EQ(ReadAll(existing), "previous good catalogue");
 
     // A star filed under the wrong region.
     WriteText(m.tycho2 / "tyc2.dat", main + MainLine(2, 1, 1, 1.0, 1.0, 9.0, 8.0) + "\n");
-    EXPECT_FALSE(RunBuild({m.tycho2.string(), m.stellarium.string(), m.out.string()}, quiet, error));
+    EXPECT_FALSE(RunBuild(Options(m), quiet, error));
     EXPECT_FALSE(error.empty());
 
     // A missing stellarium list.
     WriteText(m.tycho2 / "tyc2.dat", main);
     fs::remove(m.stellarium / "stars/default/cross-id.dat");
-    EXPECT_FALSE(RunBuild({m.tycho2.string(), m.stellarium.string(), m.out.string()}, quiet, error));
+    EXPECT_FALSE(RunBuild(Options(m), quiet, error));
     EXPECT_NE(error.find("cross-id.dat"), std::string::npos) << error;
     EXPECT_EQ(ReadAll(existing), "previous good catalogue");
+
+    // A missing or damaged Hipparcos photometry file.
+    const MiniSources fresh = MakeMiniSources();
+    WriteText(fresh.out / "star/Tycho2/Tycho2.dat", "previous good catalogue");
+    fs::remove(fresh.kstars / "stars.dat");
+    EXPECT_FALSE(RunBuild(Options(fresh), quiet, error));
+    EXPECT_NE(error.find("stars.dat"), std::string::npos) << error;
+    WriteText(fresh.kstars / "stars.dat", kKStarsSirius.substr(0, 40) + "\n");
+    EXPECT_FALSE(RunBuild(Options(fresh), quiet, error));
+    EXPECT_NE(error.find("line 1"), std::string::npos) << error;
+    EXPECT_EQ(ReadAll(fresh.out / "star/Tycho2/Tycho2.dat"), "previous good catalogue");
 }

@@ -361,6 +361,204 @@ std::size_t ApplyHipparcosMotion(std::vector<BuildStar>& stars, const HipData& h
     return count;
 }
 
+// ----- Hipparcos photometry ------------------------------------------------------
+
+namespace {
+
+// Selection of the Tycho-2 star that stands for a Hipparcos entry.
+class CHipStars {
+public:
+    explicit CHipStars(const std::vector<BuildStar>& stars) : m_stars(stars)
+    {
+        for (std::size_t i = 0; i < stars.size(); ++i)
+            if (stars[i].hip != 0) m_byHip[stars[i].hip].push_back(static_cast<std::uint32_t>(i));
+    }
+
+    // The record standing for HIP `hip` (component letter `component`, 0 for
+    // the system as a whole), or −1. A component is matched to the Tycho-2
+    // entry whose CCDM letters contain it; the system to the entry with no
+    // letters or with "A"; ties go to the brightest.
+    std::int64_t Find(std::uint32_t hip, char component) const
+    {
+        const auto it = m_byHip.find(hip);
+        if (it == m_byHip.end()) return -1;
+        std::int64_t best = -1;
+        int bestRank = 3;
+        for (const std::uint32_t rec : it->second) {
+            const BuildStar& s = m_stars[rec];
+            const std::string_view ccdm(s.ccdm, strnlen(s.ccdm, sizeof s.ccdm));
+            int rank = 2;
+            if (component != 0) {
+                if (ccdm.size() == 1 && ccdm[0] == component) rank = 0;
+                else if (ccdm.find(component) != std::string_view::npos) rank = 1;
+            } else {
+                if (ccdm.empty()) rank = 0;
+                else if (ccdm.find('A') != std::string_view::npos) rank = 1;
+            }
+            if (rank < bestRank || (rank == bestRank && s.magCenti < m_stars[best].magCenti)) {
+                best = rec;
+                bestRank = rank;
+            }
+        }
+        return best;
+    }
+
+    const std::vector<std::uint32_t>* All(std::uint32_t hip) const
+    {
+        const auto it = m_byHip.find(hip);
+        return it == m_byHip.end() ? nullptr : &it->second;
+    }
+
+    std::size_t Count() const { return m_byHip.size(); }
+
+private:
+    const std::vector<BuildStar>& m_stars;
+    std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> m_byHip;
+};
+
+// Angular distance between two J2000 places in mas, in arcseconds (haversine
+// form: exact for the sub-arcsecond separations it is used for).
+double SeparationArcsec(std::int32_t ra1Mas, std::int32_t dec1Mas, std::int32_t ra2Mas, std::int32_t dec2Mas)
+{
+    const double radPerMas = kDegToRad / kMasPerDeg;
+    const double d1 = dec1Mas * radPerMas, d2 = dec2Mas * radPerMas;
+    const double sdd = std::sin(0.5 * (d2 - d1));
+    const double sda = std::sin(0.5 * (static_cast<double>(ra2Mas) - ra1Mas) * radPerMas);
+    const double h = sdd * sdd + std::cos(d1) * std::cos(d2) * sda * sda;
+    return 2.0 * std::asin(std::sqrt(std::clamp(h, 0.0, 1.0))) / kDegToRad * 3600.0;
+}
+
+// Relative flux of a magnitude in 0.01 mag.
+double FluxOfCenti(std::int16_t magCenti) { return std::pow(10.0, -0.004 * magCenti); }
+
+std::string DescribeSkipped(const BuildStar& s, const KStarsStar& line, double separationArcsec)
+{
+    char buf[160];
+    std::snprintf(buf, sizeof buf, "HIP %u (TYC %d-%u-%u): V %.2f in Hipparcos, %.2f in Tycho-2, %.2f\" apart",
+                  s.hip, s.tyc1, s.tyc2, s.tyc3, line.magCenti / 100.0, s.magCenti / 100.0, separationArcsec);
+    return buf;
+}
+
+}  // namespace
+
+bool ParseKStarsStarLine(std::string_view line, KStarsStar& out, std::string& error)
+{
+    // Columns: 1-9 α (hhmmss.ss), 11-19 δ (±ddmmss.s), 21-29 and 30-38 proper
+    // motions, 39-45 parallax, 47-51 V, 52-56 B−V, 57-58 spectral type.
+    out = KStarsStar{};
+    if (line.size() < 58) return Fail(error, "line shorter than the 58 columns of place, magnitudes and type");
+    if (line[9] != ' ' || line[19] != ' ' || line[45] != ' ') return Fail(error, "columns out of place");
+    std::int64_t h = 0, m = 0, d = 0, dm = 0;
+    double sec = 0.0, dsec = 0.0;
+    if (ParseInteger(Columns(line, 1, 2), h) != FieldState::Ok || ParseInteger(Columns(line, 3, 4), m) != FieldState::Ok ||
+        ParseNumber(Columns(line, 5, 9), sec) != FieldState::Ok)
+        return Fail(error, "malformed right ascension");
+    const char sign = line[10];
+    if ((sign != '+' && sign != '-') || ParseInteger(Columns(line, 12, 13), d) != FieldState::Ok ||
+        ParseInteger(Columns(line, 14, 15), dm) != FieldState::Ok ||
+        ParseNumber(Columns(line, 16, 19), dsec) != FieldState::Ok)
+        return Fail(error, "malformed declination");
+    const std::int64_t secCenti = std::llround(sec * 100.0);
+    const std::int64_t dsecDeci = std::llround(dsec * 10.0);
+    // Seconds of exactly 60.00 (and 60.0″) occur: values just below a minute
+    // rounded up when the file was written. They carry into the minute.
+    if (h < 0 || h > 23 || m < 0 || m > 59 || secCenti < 0 || secCenti > 6000)
+        return Fail(error, "right ascension outside 0h..24h");
+    if (d < 0 || dm < 0 || dm > 59 || dsecDeci < 0 || dsecDeci > 600) return Fail(error, "malformed declination");
+    // 0.01 s of time = 150 mas; 0.1″ = 100 mas.
+    const std::int64_t raMas = (((h * 60 + m) * 6000 + secCenti) * 150) % kFullCircleMas;
+    const std::int64_t decMas = ((d * 60 + dm) * 600 + dsecDeci) * 100 * (sign == '-' ? -1 : 1);
+    if (decMas < -324000000 || decMas > 324000000) return Fail(error, "declination beyond the pole");
+
+    double v = 0.0, bv = 0.0;
+    if (ParseNumber(Columns(line, 47, 51), v) != FieldState::Ok || v < -2.0 || v > 20.0)
+        return Fail(error, "malformed V magnitude");
+    if (ParseNumber(Columns(line, 52, 56), bv) != FieldState::Ok || bv < -1.0 || bv > 7.0)
+        return Fail(error, "malformed B-V colour");
+    out.raMas = static_cast<std::int32_t>(raMas);
+    out.decMas = static_cast<std::int32_t>(decMas);
+    out.magCenti = ToCenti(v);
+    out.bvCenti = ToCenti(bv);
+    out.entry = Columns(line, 57, 58).find('?') == std::string_view::npos ? KStarsEntry::Hipparcos
+                                                                            : KStarsEntry::Tycho1;
+    return true;
+}
+
+void ApplyHipparcosPhotometry(std::vector<BuildStar>& stars, const std::vector<KStarsStar>& hipparcos,
+                              PhotometryReport& report)
+{
+    report = PhotometryReport{};
+    const CHipStars hipStars(stars);
+
+    // Tycho-2 stars with a Hipparcos number, by declination: a line's
+    // candidates lie in a strip of ±1″ of declination (about one star in
+    // three strips), searched with the exact separation, which needs no care
+    // at 0h or at the poles.
+    std::vector<std::uint32_t> byDec;
+    for (std::size_t i = 0; i < stars.size(); ++i)
+        if (stars[i].hip != 0) byDec.push_back(static_cast<std::uint32_t>(i));
+    std::sort(byDec.begin(), byDec.end(),
+              [&](std::uint32_t a, std::uint32_t b) { return stars[a].decMas < stars[b].decMas; });
+    const auto windowMas = static_cast<std::int32_t>(std::ceil(kHipMatchRadiusArcsec * 1000.0));
+
+    // Line → Hipparcos number of the nearest Tycho-2 Hipparcos star.
+    std::map<std::uint32_t, std::vector<std::size_t>> linesOf;
+    for (std::size_t l = 0; l < hipparcos.size(); ++l) {
+        const KStarsStar& line = hipparcos[l];
+        if (line.entry != KStarsEntry::Hipparcos) continue;
+        auto it = std::lower_bound(byDec.begin(), byDec.end(), line.decMas - windowMas,
+                                   [&](std::uint32_t r, std::int32_t dec) { return stars[r].decMas < dec; });
+        std::int64_t best = -1;
+        double bestSep = kHipMatchRadiusArcsec;
+        for (; it != byDec.end() && stars[*it].decMas <= line.decMas + windowMas; ++it) {
+            const BuildStar& s = stars[*it];
+            const double sep = SeparationArcsec(line.raMas, line.decMas, s.raMas, s.decMas);
+            if (sep <= bestSep) {
+                bestSep = sep;
+                best = *it;
+            }
+        }
+        if (best < 0) {
+            ++report.noStarWithin;
+            continue;
+        }
+        linesOf[stars[best].hip].push_back(l);
+    }
+
+    for (const auto& [hip, lines] : linesOf) {
+        if (lines.size() > 1) {
+            // Two Hipparcos entries claim one Tycho-2 star: neither is trusted.
+            report.ambiguous += lines.size();
+            continue;
+        }
+        const KStarsStar& line = hipparcos[lines.front()];
+        const std::int64_t main = hipStars.Find(hip, 0);
+        BuildStar& s = stars[static_cast<std::size_t>(main)];
+        const double sep = SeparationArcsec(line.raMas, line.decMas, s.raMas, s.decMas);
+        if (sep > kHipMatchRadiusArcsec) {
+            ++report.offPosition;
+            report.mismatches.push_back(DescribeSkipped(s, line, sep));
+            continue;
+        }
+        double companions = 0.0;
+        for (const std::uint32_t rec : *hipStars.All(hip))
+            if (rec != main) companions += FluxOfCenti(stars[rec].magCenti);
+        if (2.5 * std::log10(1.0 + companions / FluxOfCenti(s.magCenti)) > kCompanionLightLimitMag) {
+            ++report.brightCompanions;
+            continue;
+        }
+        if (std::abs(line.magCenti - s.magCenti) >= kHipMagnitudeLimitCenti) {
+            ++report.magnitudeMismatch;
+            report.mismatches.push_back(DescribeSkipped(s, line, sep));
+            continue;
+        }
+        s.magCenti = line.magCenti;
+        s.bvMilli = static_cast<std::int16_t>(line.bvCenti * 10);
+        s.origin = static_cast<std::uint16_t>((s.origin | origin::kMagFromHipparcos) & ~origin::kColourFromHip);
+        ++report.replaced;
+    }
+}
+
 // ----- Assembly ---------------------------------------------------------------------
 
 bool AssembleCatalogue(std::vector<BuildStar> stars, const std::vector<IndexLine>& index, Catalogue& out,
@@ -575,57 +773,6 @@ void PutFixedText(CByteWriter& w, std::string_view text, std::size_t width)
     // Exactly `width` bytes, at least one of them a terminating zero.
     w.FixedText(text, width);
 }
-
-// Selection of the Tycho-2 star that stands for a Hipparcos entry.
-class CHipStars {
-public:
-    explicit CHipStars(const std::vector<BuildStar>& stars) : m_stars(stars)
-    {
-        for (std::size_t i = 0; i < stars.size(); ++i)
-            if (stars[i].hip != 0) m_byHip[stars[i].hip].push_back(static_cast<std::uint32_t>(i));
-    }
-
-    // The record standing for HIP `hip` (component letter `component`, 0 for
-    // the system as a whole), or −1. A component is matched to the Tycho-2
-    // entry whose CCDM letters contain it; the system to the entry with no
-    // letters or with "A"; ties go to the brightest.
-    std::int64_t Find(std::uint32_t hip, char component) const
-    {
-        const auto it = m_byHip.find(hip);
-        if (it == m_byHip.end()) return -1;
-        std::int64_t best = -1;
-        int bestRank = 3;
-        for (const std::uint32_t rec : it->second) {
-            const BuildStar& s = m_stars[rec];
-            const std::string_view ccdm(s.ccdm, strnlen(s.ccdm, sizeof s.ccdm));
-            int rank = 2;
-            if (component != 0) {
-                if (ccdm.size() == 1 && ccdm[0] == component) rank = 0;
-                else if (ccdm.find(component) != std::string_view::npos) rank = 1;
-            } else {
-                if (ccdm.empty()) rank = 0;
-                else if (ccdm.find('A') != std::string_view::npos) rank = 1;
-            }
-            if (rank < bestRank || (rank == bestRank && s.magCenti < m_stars[best].magCenti)) {
-                best = rec;
-                bestRank = rank;
-            }
-        }
-        return best;
-    }
-
-    const std::vector<std::uint32_t>* All(std::uint32_t hip) const
-    {
-        const auto it = m_byHip.find(hip);
-        return it == m_byHip.end() ? nullptr : &it->second;
-    }
-
-    std::size_t Count() const { return m_byHip.size(); }
-
-private:
-    const std::vector<BuildStar>& m_stars;
-    std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> m_byHip;
-};
 
 struct Pair64 {
     std::int64_t key;
@@ -1241,6 +1388,32 @@ bool ReadHipData(const std::string& dir, HipData& hip, const Progress& progress,
     return true;
 }
 
+// kstars-data's "stars.dat": the Hipparcos main-catalogue lines; the Tycho-1
+// lines that follow them are counted and left out.
+bool ReadKStarsStars(const std::string& dir, std::vector<KStarsStar>& out, const Progress& progress,
+                     std::string& error)
+{
+    const fs::path path = fs::path(dir) / "stars.dat";
+    if (dir.empty() || !fs::exists(path)) return Fail(error, "missing source " + path.string());
+    progress("reading Hipparcos V and B-V (" + path.string() + ")");
+    std::size_t tycho1 = 0;
+    if (!ReadLines(path.string(),
+                   [&](std::string_view line, std::size_t, std::string& why) {
+                       if (IsComment(line)) return true;
+                       KStarsStar s;
+                       if (!ParseKStarsStarLine(line, s, why)) return false;
+                       if (s.entry == KStarsEntry::Hipparcos) out.push_back(s);
+                       else ++tycho1;
+                       return true;
+                   },
+                   error))
+        return false;
+    if (out.empty()) return Fail(error, path.string() + " holds no Hipparcos stars");
+    progress("  " + std::to_string(out.size()) + " Hipparcos stars; " + std::to_string(tycho1) +
+             " Tycho-1 stars left out (Tycho photometry)");
+    return true;
+}
+
 }  // namespace
 
 bool RunBuild(const BuildOptions& options, const Progress& progress, std::string& error)
@@ -1340,6 +1513,21 @@ bool RunBuild(const BuildOptions& options, const Progress& progress, std::string
     if (!ReadHipData(options.stellariumDir, hip, progress, error)) return false;
     progress("  stars without a Tycho-2 mean position given the Hipparcos motion: " +
              std::to_string(ApplyHipparcosMotion(stars, hip)));
+
+    // Hipparcos V and B−V, before the regions are ordered by magnitude. The
+    // places are compared at J2000, after the Hipparcos motion above.
+    std::vector<KStarsStar> hipPhotometry;
+    if (!ReadKStarsStars(options.kstarsDir, hipPhotometry, progress, error)) return false;
+    PhotometryReport photometry;
+    ApplyHipparcosPhotometry(stars, hipPhotometry, photometry);
+    progress("  stars given the Hipparcos V and B-V: " + std::to_string(photometry.replaced));
+    progress("  kept on Tycho photometry: " + std::to_string(photometry.brightCompanions) +
+             " Hipparcos entries whose Tycho-2 components add more than 0.05 mag, " +
+             std::to_string(photometry.noStarWithin) + " lines with no Tycho-2 Hipparcos star within 1\", " +
+             std::to_string(photometry.ambiguous) + " lines naming the same star as another");
+    progress("  skipped as mismatches: " + std::to_string(photometry.offPosition) + " by position, " +
+             std::to_string(photometry.magnitudeMismatch) + " by magnitude (|dV| >= 1)");
+    for (const auto& line : photometry.mismatches) progress("    " + line);
 
     progress("sorting " + std::to_string(stars.size()) + " stars by region and magnitude");
     Catalogue cat;

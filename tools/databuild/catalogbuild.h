@@ -1,6 +1,7 @@
-// orvane-databuild: turns the published Tycho-2 catalogue and the
-// cross-identification and name lists of the stellarium-data package into
-// Orvane's star files (layouts in docs/star-catalogue-files.md).
+// orvane-databuild: turns the published Tycho-2 catalogue, the
+// cross-identification and name lists of the stellarium-data package and the
+// Hipparcos photometry of the kstars-data package into Orvane's star files
+// (layouts in docs/star-catalogue-files.md).
 //
 // The pieces are exposed for the tests: line parsers for the fixed-column
 // catalogue files, the Tycho → Johnson photometry, the assembly of the
@@ -108,6 +109,75 @@ struct Catalogue {
 bool AssembleCatalogue(std::vector<BuildStar> stars, const std::vector<IndexLine>& index, Catalogue& out,
                        std::string& error);
 
+// --- Hipparcos photometry ------------------------------------------------------------
+
+// Tycho photometry saturates on the brightest stars and the Hipparcos Hp
+// magnitude is not V (Arcturus: Hp 0.16, V −0.05), so the Hipparcos
+// stars take the Johnson V (field H5) and B−V (field H37) of the Hipparcos
+// catalogue (ESA 1997, SP-1200, vol. 1 sect. 2.1) instead, to 0.01 mag. The
+// values are read from kstars-data's "stars.dat", a fixed-column text copy of
+// the catalogue.
+
+// What a line of "stars.dat" describes. The file lists the Hipparcos main
+// catalogue down to V 7.99 with the catalogue's spectral types, followed by
+// Tycho-1 stars of V 8.00-8.99 whose spectral class is estimated from the
+// colour and marked "?" ("F?"). The V of the latter is Tycho photometry
+// (Tycho-1, superseded by Tycho-2), even for the Hipparcos stars among them.
+enum class KStarsEntry : std::uint8_t { Hipparcos, Tycho1 };
+
+// One line of "stars.dat": the place at J2000.0 (ICRS, epoch J2000.0, to
+// 0.01 s of time and 0.1″), V and B−V in 0.01 mag.
+struct KStarsStar {
+    std::int32_t raMas = 0;   // [0, 1,296,000,000)
+    std::int32_t decMas = 0;
+    std::int16_t magCenti = 0;
+    std::int16_t bvCenti = 0;
+    KStarsEntry entry = KStarsEntry::Hipparcos;
+};
+// Parses columns 1-58 (place, motions, parallax, V, B−V, spectral type); the
+// rest of the line (variability, names) is not used. False with a reason in
+// `error` when a field is malformed or out of range.
+bool ParseKStarsStarLine(std::string_view line, KStarsStar& out, std::string& error);
+
+// Identification of a Hipparcos line with the Tycho-2 star of the same
+// Hipparcos number: the nearest Tycho-2 star carrying a HIP number within
+// this radius of the line's J2000 place names the Hipparcos entry.
+inline constexpr double kHipMatchRadiusArcsec = 1.0;
+// A Hipparcos V further than this from the Tycho-2 V of the star it was
+// matched to (Tycho V or Hp) marks a wrong identification: skipped.
+inline constexpr int kHipMagnitudeLimitCenti = 100;
+// Hipparcos V is the light of the whole Hipparcos entry: for a close pair the
+// sum of the components, for some wide pairs the primary alone. Where Tycho-2
+// lists the components of the entry as separate stars, the Hipparcos V is
+// given to the main component only when the other components add at most this
+// much light to it (so that either reading of V is right to this amount).
+inline constexpr double kCompanionLightLimitMag = 0.05;
+
+// What the Hipparcos photometry changed, for the build report.
+struct PhotometryReport {
+    std::size_t replaced = 0;          // stars given the Hipparcos V and B−V
+    std::size_t noStarWithin = 0;      // lines with no Tycho-2 Hipparcos star within 1″
+    std::size_t ambiguous = 0;         // lines naming a Hipparcos entry another line also names
+    std::size_t offPosition = 0;       // the entry's main component lies more than 1″ from the line
+    std::size_t magnitudeMismatch = 0; // |V(Hipparcos) − V(Tycho-2)| ≥ 1 mag
+    std::size_t brightCompanions = 0;  // components resolved by Tycho-2 add more than 0.05 mag
+    std::vector<std::string> mismatches;  // one line per star skipped for its position or magnitude
+};
+
+// Gives every Tycho-2 star identified with a Hipparcos line of `hipparcos`
+// (entries of kind KStarsEntry::Hipparcos; others are ignored) that line's V
+// (0.01 mag) and B−V (0.01 mag, stored as 0.001 mag × 10), and sets
+// origin::kMagFromHipparcos. The identification: the nearest Tycho-2 star
+// with a HIP number within kHipMatchRadiusArcsec names the Hipparcos number;
+// the star standing for that number (no CCDM letter or "A", as in "hip.idx")
+// takes the values when it lies within the same radius, its V differs by less
+// than kHipMagnitudeLimitCenti, no other line names the same number, and the
+// other Tycho-2 components of the number add at most kCompanionLightLimitMag.
+// Every other star keeps its Tycho photometry. Run before AssembleCatalogue,
+// which orders each region by the new magnitudes.
+void ApplyHipparcosPhotometry(std::vector<BuildStar>& stars, const std::vector<KStarsStar>& hipparcos,
+                              PhotometryReport& report);
+
 // --- Cross identifications and names ---------------------------------------------
 
 // A HIP → SAO, HD, HR line of stellarium-data's cross-id.dat; component is
@@ -196,6 +266,7 @@ struct BuildOptions {
     std::string tycho2Dir;     // tyc2.dat.00-19 (or tyc2.dat), suppl_1.dat, index.dat
     std::string stellariumDir; // the folder holding stars/default/ and skycultures/western/
     std::string outputDir;     // the data folder
+    std::string kstarsDir;     // the folder holding kstars-data's stars.dat (usr/share/kstars)
 };
 
 // Progress and report lines go to `progress`. False with a message in `error`.

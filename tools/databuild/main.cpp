@@ -14,13 +14,16 @@ namespace {
 void Usage(std::FILE* to)
 {
     std::fputs(
-        "usage: orvane-databuild [--sources DIR] [--tycho2 DIR] [--stellarium DIR] [--out DATA_FOLDER]\n"
+        "usage: orvane-databuild [--sources DIR] [--tycho2 DIR] [--stellarium DIR] [--kstars DIR]\n"
+        "                        [--out DATA_FOLDER]\n"
         "\n"
         "Builds the Tycho-2 star files (star/Tycho2/*, data/rgnbound.dat) into the data folder.\n"
         "  --sources DIR     the folder filled by tools/fetch-sources.sh (default: data-sources)\n"
         "  --tycho2 DIR      the Tycho-2 files (default: DIR/tycho2)\n"
         "  --stellarium DIR  stellarium-data's share folder, holding stars/ and skycultures/\n"
         "                    (default: DIR/stellarium-data/usr/share/stellarium)\n"
+        "  --kstars DIR      kstars-data's share folder, holding stars.dat\n"
+        "                    (default: DIR/kstars-data/usr/share/kstars)\n"
         "  --out FOLDER      the data folder to write (default: the program's data folder)\n",
         to);
 }
@@ -44,6 +47,7 @@ int main(int argc, char** argv)
         if (arg == "--sources") value(sources);
         else if (arg == "--tycho2") value(options.tycho2Dir);
         else if (arg == "--stellarium") value(options.stellariumDir);
+        else if (arg == "--kstars") value(options.kstarsDir);
         else if (arg == "--out") value(options.outputDir);
         else if (arg == "--help" || arg == "-h") {
             Usage(stdout);
@@ -57,6 +61,8 @@ int main(int argc, char** argv)
     if (options.tycho2Dir.empty()) options.tycho2Dir = (fs::path(sources) / "tycho2").string();
     if (options.stellariumDir.empty())
         options.stellariumDir = (fs::path(sources) / "stellarium-data" / "usr" / "share" / "stellarium").string();
+    if (options.kstarsDir.empty())
+        options.kstarsDir = (fs::path(sources) / "kstars-data" / "usr" / "share" / "kstars").string();
     if (options.outputDir.empty()) options.outputDir = orv::GetDataPath();
     if (!fs::is_directory(options.tycho2Dir)) {
         std::fprintf(stderr,

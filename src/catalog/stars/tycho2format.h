@@ -83,6 +83,9 @@ inline constexpr std::uint16_t kPhotocentre = 1u << 5;       // mean position of
 inline constexpr std::uint16_t kTycho1Star = 1u << 6;        // the star is in Tycho-1
 inline constexpr std::uint16_t kColourFromHip = 1u << 7;     // B−V from the Hipparcos catalogue, not Tycho
 inline constexpr std::uint16_t kHipparcosMotion = 1u << 8;   // observed place carried to J2000 by the Hipparcos motion
+// V and B−V are the Hipparcos catalogue's (fields H5 and H37, 0.01 mag); the
+// magnitude basis (bits 2-3) then tells what the Tycho-2 photometry was.
+inline constexpr std::uint16_t kMagFromHipparcos = 1u << 9;
 }  // namespace origin
 
 // --- "t2region.idx": 9,538 entries of 6 bytes -------------------------------
