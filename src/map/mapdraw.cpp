@@ -13,6 +13,7 @@
 #include "catalog/stars/tycho2catalogue.h"
 #include "map/drawcontext.h"
 #include "map/drawstars.h"
+#include "satellite/passdraw.h"
 #include "util/angles.h"
 #include "util/binaryio.h"
 
@@ -103,7 +104,10 @@ void CChartRenderer::Draw(const DrawSurface& surface, CMapView& view, const Rend
         nothing,                                                      // 18 target list
         nothing,                                                      // 19 constellation names, second lines
         nothing,                                                      // 20 object tracks
-        nothing,                                                      // 21 satellite passes
+        [](DrawContext& c, Impl&) {                                   // 21 satellite passes
+            if (c.options.plottedPasses)
+                sat::DrawPlottedPasses(c.surface, c.frame, *c.options.plottedPasses, c.options.scheme);
+        },
         nothing,                                                      // 22 annotations
         [](DrawContext& c, Impl&) { DrawSearchTarget(c); },         // 23 search target marker
         [](DrawContext& c, Impl&) { DrawScaleLine(c); },            // 24 scale line

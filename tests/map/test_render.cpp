@@ -11,6 +11,7 @@
 #include "map/chartframe.h"
 #include "map/drawcontext.h"
 #include "renderfixture.h"
+#include "satellite/passdraw.h"
 #include "support/compare.h"
 #include "util/angles.h"
 
@@ -155,6 +156,48 @@ TEST(ChartPixels, SearchTargetMarkerOnScreensOnly)
     withTarget.showSearchTarget = true;
     EXPECT_EQ(chart.Render(SurfaceKind::Printer, withTarget), chart.Render(SurfaceKind::Printer));
     EXPECT_EQ(chart.Render(SurfaceKind::Bitmap, withTarget), chart.Render(SurfaceKind::Bitmap));
+}
+
+// Passes plotted from the satellite windows are part of the chart: the
+// renderer draws them on every surface, along the pass's places of date.
+// The chart is at J2000.0, where the place of date differs from the
+// catalogue place by precession-free nutation and aberration only (under
+// 30″, half a pixel here), so a pass along declination −1° crosses the
+// column of the centre 1° below the centre star. Tolerance: 2 pixels (the
+// line's width and antialiasing).
+TEST(ChartPixels, PlottedPassesAreDrawnWhereThePassWas)
+{
+    CSmallCatalogueChart chart;
+    DiscsOnly(chart.View());
+    sat::PlottedPassList list;
+    sat::PlottedPass pass;
+    pass.satelliteName = "TEST SAT";
+    for (int i = 0; i <= 20; ++i) {
+        sat::PlottedPassPoint p;
+        p.jdUT = 2451545.0 + i * 10.0 / 86400.0;
+        p.raDateRad = (86.0 + 0.4 * i) * kRadPerDeg;  // 86° to 94°, west to east
+        p.decDateRad = -1.0 * kRadPerDeg;
+        pass.points.push_back(p);
+    }
+    list.passes.push_back(pass);
+    RenderOptions withPass;
+    withPass.plottedPasses = &list;
+
+    for (SurfaceKind kind : {SurfaceKind::RasterDisplay, SurfaceKind::Bitmap, SurfaceKind::Printer}) {
+        const QImage plain = chart.Render(kind);  // sets up the projection for the surface
+        const double cx = chart.View().coordinates.ScreenCentreX(), cy = chart.View().coordinates.ScreenCentreY();
+        const int x = static_cast<int>(std::lround(cx));
+        const int yPass = static_cast<int>(std::lround(cy + OffsetPx(chart, 1.0)));
+        const int yClear = static_cast<int>(std::lround(cy + OffsetPx(chart, 0.5)));
+        const QImage plotted = chart.Render(kind, withPass);
+        int changed = 0;
+        for (int y = yPass - 2; y <= yPass + 2; ++y) changed += plain.pixel(x, y) != plotted.pixel(x, y) ? 1 : 0;
+        EXPECT_GT(changed, 0) << "surface " << static_cast<int>(kind);
+        EXPECT_EQ(plain.pixel(x, yClear), plotted.pixel(x, yClear)) << "surface " << static_cast<int>(kind);
+    }
+    const sat::PlottedPassList none;
+    withPass.plottedPasses = &none;
+    EXPECT_EQ(chart.Render(SurfaceKind::Bitmap, withPass), chart.Render(SurfaceKind::Bitmap));
 }
 
 // A layer whose level range excludes the current level draws nothing, and
