@@ -26,6 +26,7 @@
 
 #include "app/appcontext.h"
 #include "app/mapwindow.h"
+#include "app/visiblestars.h"
 #include "map/mapview.h"
 #include "util/angles.h"
 #include "util/settingsstore.h"
@@ -568,35 +569,8 @@ CViewSettingsDialog::CViewSettingsDialog(const CMapViewSettings& settings, Page 
 
 void ShowVisibleStars(QWidget* parent, CMapWindow& window, CAppContext& app)
 {
-    auto* dialog = new QDialog(parent);
+    auto* dialog = new CVisibleStarsDialog(window, app, parent);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setWindowTitle(QStringLiteral("Stars Visible on the Map"));
-    auto* layout = new QVBoxLayout(dialog);
-    auto* text = new QPlainTextEdit(dialog);
-    text->setReadOnly(true);
-    text->setLineWrapMode(QPlainTextEdit::NoWrap);
-    text->setFont(QFont(QStringLiteral("Monospace")));
-    const QString listing = QString::fromStdString(window.Renderer().VisibleStarsText());
-    text->setPlainText(listing);
-    layout->addWidget(text);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, dialog);
-    QPushButton* save = buttons->addButton(QObject::tr("&Save..."), QDialogButtonBox::ActionRole);
-    QPushButton* copy = buttons->addButton(QObject::tr("&Copy"), QDialogButtonBox::ActionRole);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::close);
-    QObject::connect(copy, &QPushButton::clicked, dialog, [listing] { QApplication::clipboard()->setText(listing); });
-    QObject::connect(save, &QPushButton::clicked, dialog, [dialog, listing, &app] {
-        const QString path = QFileDialog::getSaveFileName(dialog, QObject::tr("Save Star List"),
-                                                          app.RememberedFolder("Reports"),
-                                                          QObject::tr("Text Files (*.txt);;All Files (*)"));
-        if (path.isEmpty()) return;
-        app.RememberFolder("Reports", path);
-        QSaveFile f(path);
-        if (!f.open(QIODevice::WriteOnly | QIODevice::Text) || f.write(listing.toUtf8()) < 0 || !f.commit())
-            QMessageBox::critical(dialog, QApplication::applicationName(),
-                                  QObject::tr("Unable to create file\n\"%1\"").arg(path));
-    });
-    layout->addWidget(buttons);
-    dialog->resize(720, 520);
     dialog->show();
 }
 

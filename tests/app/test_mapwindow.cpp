@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QFile>
+#include <QHeaderView>
+#include <QTableWidget>
 #include <QTest>
 
 #include <filesystem>
@@ -11,6 +14,7 @@
 #include "app/appcontext.h"
 #include "app/mainframe.h"
 #include "app/mapwindow.h"
+#include "app/visiblestars.h"
 #include "app/qtsettingsstore.h"
 #include "map/mapview.h"
 #include "support/compare.h"
@@ -105,4 +109,58 @@ TEST(MapWindow, ZoomingMovesThroughTheLevels)
     w->ZoomBy(100.0);
     EXPECT_EQ(w->View().Level(), 7);  // 0.45°: level 8 (30′) is the narrowest still wide enough
     EXPECT_TRUE(w->IsModified());
+}
+
+// The list of visible stars: the chart's stars brightest first, sorted by a
+// click on a heading and turned round by a second click, column widths kept
+// in the settings, a double click centring the chart on the star, and the
+// saved listing in the order shown. Needs the built star catalogue.
+TEST(VisibleStars, SortWidthsCentringAndListing)
+{
+    Fixture f;
+    CMapWindow* w = f.frame.NewMap();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(w));
+    w->View().coordinates.SetCentringMode(Centring::RaDec);
+    w->CentreOn(83.82 * kRadPerDeg, -5.39 * kRadPerDeg);  // Orion's sword
+    w->GoToLevel(3);
+    w->RedrawNow();
+
+    auto* dialog = new CVisibleStarsDialog(*w, f.context);
+    const std::vector<VisibleStarRow> rows = dialog->Rows();
+    if (rows.size() < 3) {
+        delete dialog;
+        GTEST_SKIP() << "the star catalogue is not built (run tools/build-data.sh build/data)";
+    }
+    ASSERT_EQ(dialog->Table()->rowCount(), static_cast<int>(rows.size()));
+    for (std::size_t i = 1; i < rows.size(); ++i) EXPECT_LE(rows[i - 1].magCenti, rows[i].magCenti);
+
+    QHeaderView* header = dialog->Table()->horizontalHeader();
+    emit header->sectionClicked(0);
+    const std::vector<VisibleStarRow> byName = dialog->Rows();
+    emit header->sectionClicked(0);
+    EXPECT_EQ(dialog->Rows().front().designation, byName.back().designation);
+    EXPECT_EQ(dialog->Table()->item(0, 0)->text().toStdString(), byName.back().designation);
+
+    // A star away from the centre: the chart moves to it and marks it.
+    const VisibleStarRow star = dialog->Rows()[1];
+    emit dialog->Table()->cellDoubleClicked(1, 0);
+    EXPECT_NEAR(w->View().coordinates.CentreRaJ2000Rad(), star.raJ2000Rad, 1e-9);
+    EXPECT_NEAR(w->View().coordinates.CentreDecJ2000Rad(), star.decJ2000Rad, 1e-9);
+    ASSERT_TRUE(w->Target().has_value());
+    EXPECT_EQ(w->Target()->label, star.designation);
+
+    const std::string path = (std::filesystem::path(f.dir) / "stars.txt").string();
+    ASSERT_TRUE(dialog->SaveTo(QString::fromStdString(path)));
+    QFile saved(QString::fromStdString(path));
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(saved.readAll());
+    EXPECT_TRUE(text.startsWith(QStringLiteral("Stars Visible on the Map\n\n")));
+    EXPECT_EQ(text.count(QLatin1Char('\n')), static_cast<qsizetype>(rows.size()) + 3);  // title, blank, headings
+
+    dialog->Table()->setColumnWidth(0, 251);
+    dialog->reject();
+    delete dialog;
+    EXPECT_EQ(f.settings.GetInt("Stars", "StarListCol0", 0), 251);
+    CVisibleStarsDialog again(*w, f.context);
+    EXPECT_EQ(again.Table()->columnWidth(0), 251);
 }
