@@ -481,7 +481,7 @@ void DrawStars(DrawContext& ctx, const CTycho2Catalogue& catalogue, StarLayerSta
     for (const DrawnStar& d : st.drawn) {
         const TychoStarEntry& e = st.chart.stars[d.index];
         const double rx = d.rx + 0.5, ry = d.ry + 0.5;
-        if (d.rx > 0 || d.ry > 0) ctx.labels.Occupy({d.x - rx, d.y - ry, d.x + rx, d.y + ry});
+        if (d.rx > 0 || d.ry > 0) ctx.labels.Occupy({d.x - rx, d.y - ry, d.x + rx, d.y + ry}, e.magCenti);
         const bool named = (e.flags & (entryflag::kProperName | entryflag::kBayerFlamsteed)) != 0;
         if (named || level.magnitudes || (level.distances && e.distanceLy > 0))
             jobs.push_back({d.index, d.x, d.y, rx, ry, e.magCenti});
@@ -494,10 +494,17 @@ void DrawStars(DrawContext& ctx, const CTycho2Catalogue& catalogue, StarLayerSta
     const double gap = ctx.Px(0.02, 2.0);
     std::vector<LabelRect> candidates;
 
+    // A place wholly free if there is one; else one that covers only discs
+    // of stars at least kCoverableMagCenti fainter than the labelled star.
+    constexpr int kCoverableMagCenti = 300;
+    auto place = [&](const LabelJob& j) {
+        const int k = ctx.labels.Place(candidates);
+        return k >= 0 ? k : ctx.labels.Place(candidates, j.mag + kCoverableMagCenti);
+    };
     auto placeText = [&](const LabelJob& j, const QString& text, LabelSide side, const QColor& colour) {
         const double w = fmLabel.horizontalAdvance(text), h = fmLabel.ascent() + fmLabel.descent();
         Candidates(j.x, j.y, j.rx, j.ry, w, h, gap, side, candidates);
-        const int k = ctx.labels.Place(candidates);
+        const int k = place(j);
         if (k < 0) {
             ++ctx.stats.labelsDropped;
             return;
@@ -532,7 +539,7 @@ void DrawStars(DrawContext& ctx, const CTycho2Catalogue& catalogue, StarLayerSta
                     const double wf = flam.isEmpty() ? 0.0 : fmLabel.horizontalAdvance(flam);
                     const double h = fmGreek.ascent() + fmGreek.descent();
                     Candidates(j.x, j.y, j.rx, j.ry, wg + ws + wf, h, gap, LabelSide::MainRight, candidates);
-                    const int k = ctx.labels.Place(candidates);
+                    const int k = place(j);
                     if (k >= 0) {
                         const LabelRect& r = candidates[static_cast<std::size_t>(k)];
                         const double base = r.y0 + fmGreek.ascent();

@@ -31,32 +31,33 @@ int CLabelPlacer::CellY(double y) const
     return std::min(m_rows - 1, static_cast<int>(y / m_cell));
 }
 
-void CLabelPlacer::Occupy(const LabelRect& r)
+void CLabelPlacer::Occupy(const LabelRect& r, int magCenti)
 {
     if (!(r.x1 > 0.0 && r.y1 > 0.0 && r.x0 < m_width && r.y0 < m_height)) return;
     const auto index = static_cast<std::uint32_t>(m_rects.size());
     m_rects.push_back(r);
+    m_magCenti.push_back(magCenti);
     for (int cy = CellY(r.y0); cy <= CellY(r.y1); ++cy)
         for (int cx = CellX(r.x0); cx <= CellX(r.x1); ++cx)
             m_cells[static_cast<std::size_t>(cy) * static_cast<std::size_t>(m_cols) + static_cast<std::size_t>(cx)]
                 .push_back(index);
 }
 
-bool CLabelPlacer::IsFree(const LabelRect& r) const
+bool CLabelPlacer::IsFree(const LabelRect& r, int coverFainterThanCenti) const
 {
     if (!(r.x0 >= 0.0 && r.y0 >= 0.0 && r.x1 <= m_width && r.y1 <= m_height)) return false;
     for (int cy = CellY(r.y0); cy <= CellY(r.y1); ++cy)
         for (int cx = CellX(r.x0); cx <= CellX(r.x1); ++cx)
             for (std::uint32_t i :
                  m_cells[static_cast<std::size_t>(cy) * static_cast<std::size_t>(m_cols) + static_cast<std::size_t>(cx)])
-                if (m_rects[i].Overlaps(r)) return false;
+                if (m_magCenti[i] <= coverFainterThanCenti && m_rects[i].Overlaps(r)) return false;
     return true;
 }
 
-int CLabelPlacer::Place(std::span<const LabelRect> candidates)
+int CLabelPlacer::Place(std::span<const LabelRect> candidates, int coverFainterThanCenti)
 {
     for (std::size_t i = 0; i < candidates.size(); ++i) {
-        if (IsFree(candidates[i])) {
+        if (IsFree(candidates[i], coverFainterThanCenti)) {
             Occupy(candidates[i]);
             return static_cast<int>(i);
         }

@@ -204,6 +204,25 @@ TEST(LabelPlacer, KeepsLabelsApartAndOnTheChart)
     EXPECT_EQ(placer.Place(touching), 0);
 }
 
+// A bright star's label may cover the discs of much fainter stars when no
+// place is wholly free, but never a label, a mark or a brighter disc.
+TEST(LabelPlacer, BrightLabelsMayCoverOnlyFaintDiscs)
+{
+    CLabelPlacer placer(200.0, 100.0, 16.0);
+    placer.Occupy({20, 20, 24, 24}, 950);  // a 9.5 mag disc
+    placer.Occupy({60, 20, 64, 24}, 450);  // a 4.5 mag disc
+    placer.Occupy({100, 20, 110, 30});     // a label
+    const LabelRect overFaint[] = {{18, 18, 40, 26}};
+    const LabelRect overBright[] = {{58, 18, 80, 26}};
+    const LabelRect overLabel[] = {{98, 18, 120, 26}};
+    EXPECT_EQ(placer.Place(overFaint), -1);
+    EXPECT_EQ(placer.Place(overFaint, 650), 0);  // labelling a 3.5 mag star, 3 mag of tolerance
+    EXPECT_EQ(placer.Place(overBright, 650), -1);
+    EXPECT_EQ(placer.Place(overLabel, CLabelPlacer::kCoverNothing - 1), -1);
+    // The label placed over the faint disc now blocks like any label.
+    EXPECT_EQ(placer.Place(overFaint, 650), -1);
+}
+
 // The ground: on a chart centred at the zenith with the field reaching the
 // horizon at the top and bottom edges, the horizon is the circle through
 // them; the corners are below it, the centre above.
