@@ -1456,21 +1456,26 @@ bool RunBuild(const BuildOptions& options, const Progress& progress, std::string
     std::vector<BuildStar> stars;
     stars.reserve(expectedMain + expectedSuppl);
     std::size_t record = 0;
+    // One file of the main catalogue or of supplement 1: each record parsed
+    // and checked against the region index's ranges.
+    auto readStars = [&](const fs::path& file, bool main) {
+        return ReadLines(
+            file.string(),
+            [&](std::string_view line, std::size_t, std::string& why) {
+                if (IsBlank(line)) return true;
+                BuildStar s;
+                if (!(main ? ParseMainLine(line, s, why) : ParseSupplementLine(line, s, why))) return false;
+                ++record;
+                if (!CheckRegionOrder(index, main, record, s.tyc1, why)) return false;
+                stars.push_back(s);
+                return true;
+            },
+            error);
+    };
     for (std::size_t p = 0; p < parts.size(); ++p) {
         progress("reading " + parts[p].filename().string() + " (" + std::to_string(p + 1) + "/" +
                  std::to_string(parts.size()) + ")");
-        if (!ReadLines(parts[p].string(),
-                       [&](std::string_view line, std::size_t, std::string& why) {
-                           if (IsBlank(line)) return true;
-                           BuildStar s;
-                           if (!ParseMainLine(line, s, why)) return false;
-                           ++record;
-                           if (!CheckRegionOrder(index, true, record, s.tyc1, why)) return false;
-                           stars.push_back(s);
-                           return true;
-                       },
-                       error))
-            return false;
+        if (!readStars(parts[p], true)) return false;
     }
     if (record != expectedMain)
         return Fail(error, "the main catalogue has " + std::to_string(record) + " records, index.dat expects " +
@@ -1478,18 +1483,7 @@ bool RunBuild(const BuildOptions& options, const Progress& progress, std::string
 
     progress("reading suppl_1.dat");
     record = 0;
-    if (!ReadLines((t2 / "suppl_1.dat").string(),
-                   [&](std::string_view line, std::size_t, std::string& why) {
-                       if (IsBlank(line)) return true;
-                       BuildStar s;
-                       if (!ParseSupplementLine(line, s, why)) return false;
-                       ++record;
-                       if (!CheckRegionOrder(index, false, record, s.tyc1, why)) return false;
-                       stars.push_back(s);
-                       return true;
-                   },
-                   error))
-        return false;
+    if (!readStars(t2 / "suppl_1.dat", false)) return false;
     if (record != expectedSuppl)
         return Fail(error, "suppl_1.dat has " + std::to_string(record) + " records, index.dat expects " +
                                std::to_string(expectedSuppl));

@@ -1,4 +1,4 @@
-// Decoding of TopoJSON (https://github.com/topojson/topojson-specification):
+// Decoding of TopoJSON, the topology-sharing extension of GeoJSON:
 // quantized, delta-encoded arcs shared between polygons, and polygons given
 // as lists of arc indices (~i, the one's complement, meaning arc i reversed).
 #pragma once
