@@ -262,6 +262,11 @@ private:
     // date at jdUT for the site.
     void HourAngleAndAltitude(double raRad, double decRad, double jdUT, double& hourAngleRad,
                               double& altitudeRad) const;
+    // The function the rise, transit and set scans sample: the altitude above
+    // `h0Rad` and the hour angle of `position` at an instant (NaN where the
+    // position function gives none).
+    std::function<void(double jdUT, double& f, double& hourAngleRad)> AltitudeAboveFn(
+        const ApparentPositionFn& position, double h0Rad) const;
 
     std::string m_siteName = "Greenwich";
     double m_latitudeRad = 0.8980827862302452;  // 51°28'38" N

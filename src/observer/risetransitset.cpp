@@ -223,6 +223,22 @@ double CObserverDoc::AltitudeOf(double raRad, double decRad, double jdUT) const
     return altitudeRad;
 }
 
+std::function<void(double, double&, double&)> CObserverDoc::AltitudeAboveFn(const ApparentPositionFn& position,
+                                                                          double h0Rad) const
+{
+    return [this, &position, h0Rad](double jd, double& f, double& hourAngleRad) {
+        double ra = std::numeric_limits<double>::quiet_NaN(), dec = ra;
+        position(jd, ra, dec);
+        if (!std::isfinite(ra) || !std::isfinite(dec)) {
+            f = hourAngleRad = std::numeric_limits<double>::quiet_NaN();
+            return;
+        }
+        double alt;
+        HourAngleAndAltitude(ra, dec, jd, hourAngleRad, alt);
+        f = alt - h0Rad;
+    };
+}
+
 RiseTransitSet CObserverDoc::FindRiseTransitSet(const ApparentPositionFn& position, double jdUTStart,
                                                 double windowDays, double h0Rad) const
 {
@@ -233,19 +249,7 @@ RiseTransitSet CObserverDoc::FindRiseTransitSet(const ApparentPositionFn& positi
     }
     double transitDecRad = std::numeric_limits<double>::quiet_NaN();
     double transitRaRad = 0.0;
-    CEventScan scan(
-        [&](double jd, double& f, double& hourAngleRad) {
-            double ra = std::numeric_limits<double>::quiet_NaN(), dec = ra;
-            position(jd, ra, dec);
-            if (!std::isfinite(ra) || !std::isfinite(dec)) {
-                f = hourAngleRad = std::numeric_limits<double>::quiet_NaN();
-                return;
-            }
-            double alt;
-            HourAngleAndAltitude(ra, dec, jd, hourAngleRad, alt);
-            f = alt - h0Rad;
-        },
-        jdUTStart, windowDays);
+    CEventScan scan(AltitudeAboveFn(position, h0Rad), jdUTStart, windowDays);
     scan.Run(
         [&](EventKind kind, double jd) {
             switch (kind) {
@@ -285,19 +289,7 @@ std::optional<double> CObserverDoc::FindNextCrossing(const ApparentPositionFn& p
     if (!position || !ValidWindow(jdUTStart, windowDays, h0Rad)) return std::nullopt;
     std::optional<double> found;
     const EventKind wanted = rising ? EventKind::Rise : EventKind::Set;
-    CEventScan scan(
-        [&](double jd, double& f, double& hourAngleRad) {
-            double ra = std::numeric_limits<double>::quiet_NaN(), dec = ra;
-            position(jd, ra, dec);
-            if (!std::isfinite(ra) || !std::isfinite(dec)) {
-                f = hourAngleRad = std::numeric_limits<double>::quiet_NaN();
-                return;
-            }
-            double alt;
-            HourAngleAndAltitude(ra, dec, jd, hourAngleRad, alt);
-            f = alt - h0Rad;
-        },
-        jdUTStart, windowDays);
+    CEventScan scan(AltitudeAboveFn(position, h0Rad), jdUTStart, windowDays);
     scan.Run(
         [&](EventKind kind, double jd) {
             if (kind != wanted) return true;
