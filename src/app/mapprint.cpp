@@ -12,6 +12,7 @@
 
 #include "app/appcontext.h"
 #include "app/mapwindow.h"
+#include "catalog/stars/stardisplay.h"
 #include "map/mapview.h"
 #include "util/angles.h"
 
@@ -78,28 +79,25 @@ void DrawMapPage(QPainter& painter, const QRect& page, double dpiX, double dpiY,
         painter.setFont(f);
         const double h = QFontMetricsF(f, painter.device()).height() * 2.2;
         const QRectF key(chart.left(), chart.bottom() - h, chart.width(), h);
+        // The same scale as the chart's discs at this level.
         const CStarSettings& st = view.Doc().stars;
-        const int faint = view.starState.magLimit;
-        const int bright = st.starMagBright;
-        const int L = std::max(st.magLimit, bright + 1);
-        const double k = static_cast<double>(st.starRadBright - st.starRadFaint) / (L - bright);
+        const StarLevelState& level = view.starState;
+        const StarSizeScale scale{level.magLimit, level.magBright, st.starRadBright, st.starRadFaint};
+        const QFontMetricsF fm(f, painter.device());
         double x = key.left();
         painter.setBrush(Qt::black);
-        for (int m = (bright / 100) * 100; m <= faint; m += 100) {
-            double r = m >= L ? st.starRadFaint : m <= bright ? st.starRadBright : std::trunc(L * k + st.starRadFaint - m * k);
+        for (int m = (std::max(level.magBright, 0) / 100) * 100; m <= level.magLimit; m += 100) {
+            const int r = st.starShowSize != 0 ? StarDiscRadius(m, scale) : st.starDotRadius;
             const double radiusPx = std::max(0.5, r * dpiY * 0.0001);
             painter.drawEllipse(QPointF(x + radiusPx, key.center().y()), radiusPx, radiusPx);
             const QString label = QString::number(m / 100);
-            painter.drawText(QPointF(x + 2.0 * radiusPx + 0.03 * dpiX, key.center().y() + 0.35 * QFontMetricsF(f, painter.device()).ascent()), label);
+            painter.drawText(QPointF(x + 2.0 * radiusPx + 0.03 * dpiX, key.center().y() + 0.35 * fm.ascent()), label);
             x += 2.0 * radiusPx + 0.25 * dpiX;
             if (x > key.right() - dpiX) break;
         }
         chart.setBottom(chart.bottom() - h);
     }
-    painter.setPen(QPen(Qt::black, std::max(1.0, dpiX / 150.0)));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRect(chart);
-
+    painter.save();
     painter.setClipRect(chart);
     painter.translate(chart.topLeft());
     DrawSurface surface;
@@ -118,6 +116,11 @@ void DrawMapPage(QPainter& painter, const QRect& page, double dpiX, double dpiY,
     // Printing uses its own projection set-up; the window's is restored by
     // its next redraw.
     window.Renderer().Draw(surface, view, options);
+    painter.restore();
+    // The frame last: the chart fills its own background up to the edges.
+    painter.setPen(QPen(Qt::black, std::max(1.0, dpiX / 150.0)));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(chart);
     painter.restore();
     window.RequestRedraw();
 }

@@ -7,12 +7,14 @@
 #include <QFile>
 #include <QHeaderView>
 #include <QTableWidget>
+#include <QPainter>
 #include <QTest>
 
 #include <filesystem>
 
 #include "app/appcontext.h"
 #include "app/mainframe.h"
+#include "app/mapprint.h"
 #include "app/mapwindow.h"
 #include "app/visiblestars.h"
 #include "app/qtsettingsstore.h"
@@ -163,4 +165,48 @@ TEST(VisibleStars, SortWidthsCentringAndListing)
     EXPECT_EQ(f.settings.GetInt("Stars", "StarListCol0", 0), 251);
     CVisibleStarsDialog again(*w, f.context);
     EXPECT_EQ(again.Table()->columnWidth(0), 251);
+}
+
+// A printed page: white paper inside the margins, the chart framed in black,
+// and the key's discs sized like the chart's own. At 100 dpi the largest
+// disc ("StarRadBright" 0.0625 inch) is 6 pixels in radius, so the key's
+// first disc, at the level's bright end, must be 13 pixels across; the
+// default 0.5 inch margins are 50 pixels of untouched paper.
+TEST(PrintedPage, MarginsFrameAndKey)
+{
+    Fixture f;
+    CMapWindow* w = f.frame.NewMap();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(w));
+    w->View().coordinates.SetCentringMode(Centring::RaDec);
+    w->CentreOn(83.82 * kRadPerDeg, -5.39 * kRadPerDeg);
+    w->GoToLevel(3);
+    const CMapViewSettings& s = w->View().settings;
+    ASSERT_EQ(s.printLeftMargin, 500);
+    ASSERT_EQ(s.printBottomMargin, 500);
+
+    QImage page(850, 1100, QImage::Format_RGB32);  // US Letter at 100 dpi
+    page.fill(Qt::white);
+    {
+        QPainter painter(&page);
+        DrawMapPage(painter, page.rect(), 100.0, 100.0, *w, f.context);
+    }
+    auto dark = [&](int x, int y) { return qGray(page.pixel(x, y)) < 128; };
+    for (int y = 0; y < 1100; y += 7) {
+        EXPECT_FALSE(dark(45, y)) << "left margin, y " << y;
+        EXPECT_FALSE(dark(805, y)) << "right margin, y " << y;
+    }
+    // The frame's left edge runs down the margin line at mid-height.
+    EXPECT_TRUE(dark(50, 550) || dark(51, 550));
+
+    // The key is the band just above the status line: find its first disc
+    // and measure it across its middle row.
+    int widest = 0;
+    for (int y = 900; y < 1050; ++y) {
+        int x = 52;
+        while (x < 400 && !dark(x, y)) ++x;
+        int run = 0;
+        while (x + run < 400 && dark(x + run, y)) ++run;
+        if (run < 30) widest = std::max(widest, run);  // not the frame's bottom edge
+    }
+    EXPECT_NEAR(widest, 13, 1);
 }
