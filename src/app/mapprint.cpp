@@ -1,18 +1,27 @@
 #include "app/mapprint.h"
 
 #include <QApplication>
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QFontMetricsF>
+#include <QFormLayout>
+#include <QLabel>
+#include <QMessageBox>
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
+#include <QSpinBox>
 
 #include <cmath>
 
 #include "app/appcontext.h"
 #include "app/mapwindow.h"
 #include "catalog/stars/stardisplay.h"
+#include "map/chartexport.h"
 #include "map/mapview.h"
 #include "util/angles.h"
 
@@ -159,54 +168,58 @@ void PreviewMap(QWidget* parent, CMapWindow& window, CAppContext& app)
     preview.exec();
 }
 
-}  // namespace orv
-
 // ------------------------------------------------------------------ export
-
-#include <QDialogButtonBox>
-#include <QFileDialog>
-#include <QFileInfo>
-#include <QFormLayout>
-#include <QMessageBox>
-#include <QSpinBox>
-
-#include "map/chartexport.h"
-
-namespace orv {
 
 void ExportMapWithDialog(QWidget* parent, CMapWindow& window, CAppContext& app)
 {
     // File name first: its extension chooses the format.
-    QStringList filters;
-    QString allPictures;
-    for (const ExportFormat& f : ExportFormats()) {
-        QStringList patterns;
-        for (const std::string& e : f.extensions) patterns << QStringLiteral("*.") + QString::fromStdString(e);
-        filters << QStringLiteral("%1 (%2)").arg(QString::fromStdString(f.name), patterns.join(' '));
-        allPictures += patterns.join(' ') + ' ';
-    }
-    filters.prepend(QObject::tr("All chart formats (%1)").arg(allPictures.trimmed()));
-    QString selected;
     const QString start = QDir(app.RememberedFolder("Export")).filePath(window.Title() + QStringLiteral(".png"));
-    QString path = QFileDialog::getSaveFileName(parent, QObject::tr("Export Chart"), start, filters.join(";;"), &selected);
+    QString path = QFileDialog::getSaveFileName(parent, QObject::tr("Export Chart"), start,
+                                                QString::fromStdString(ExportFileFilter()));
     if (path.isEmpty()) return;
     if (QFileInfo(path).suffix().isEmpty()) path += QStringLiteral(".png");
     app.RememberFolder("Export", path);
+    const ExportFormat* format = ExportFormatForFile(path.toStdString());
+    const bool vector = format != nullptr && format->freeImageFormat < 0;
+    const bool jpeg = format != nullptr && format->name == "JPEG";
 
-    // Then the size, starting from the window's.
+    // Then the size, starting from the window's, and the resolution the
+    // chart is drawn for: star discs and text are sized in inches, so a
+    // picture for a 300 dpi page wants 300 here and a correspondingly larger
+    // size in pixels.
     QDialog sizeDialog(parent);
     sizeDialog.setWindowTitle(QObject::tr("Chart Size"));
     auto* form = new QFormLayout(&sizeDialog);
     auto* width = new QSpinBox(&sizeDialog);
     auto* height = new QSpinBox(&sizeDialog);
+    auto* dpi = new QSpinBox(&sizeDialog);
+    auto* quality = new QSpinBox(&sizeDialog);
     width->setRange(16, 100000);
     height->setRange(16, 100000);
+    dpi->setRange(36, 2400);
+    quality->setRange(1, 100);
     width->setSuffix(QObject::tr(" px"));
     height->setSuffix(QObject::tr(" px"));
+    dpi->setSuffix(QObject::tr(" dpi"));
     width->setValue(window.width());
     height->setValue(window.height());
+    dpi->setValue(96);
+    quality->setValue(90);
     form->addRow(QObject::tr("Width:"), width);
     form->addRow(QObject::tr("Height:"), height);
+    form->addRow(QObject::tr("Resolution:"), dpi);
+    if (jpeg) form->addRow(QObject::tr("JPEG quality:"), quality);
+    else quality->hide();
+    auto* inches = new QLabel(&sizeDialog);
+    auto updateInches = [=] {
+        inches->setText(QObject::tr("%1 × %2 in%3")
+                            .arg(width->value() / static_cast<double>(dpi->value()), 0, 'f', 2)
+                            .arg(height->value() / static_cast<double>(dpi->value()), 0, 'f', 2)
+                            .arg(vector ? QObject::tr(" (page size)") : QString()));
+    };
+    updateInches();
+    for (QSpinBox* box : {width, height, dpi}) QObject::connect(box, &QSpinBox::valueChanged, &sizeDialog, updateInches);
+    form->addRow(QObject::tr("Printed size:"), inches);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &sizeDialog);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &sizeDialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &sizeDialog, &QDialog::reject);
@@ -218,9 +231,14 @@ void ExportMapWithDialog(QWidget* parent, CMapWindow& window, CAppContext& app)
     options.target = window.Target();
     options.showSearchTarget = app.ShowSearchTarget();
     options.plottedPasses = window.PlottedPassesToDraw();
+    ExportRequest request;
+    request.path = path.toStdString();
+    request.widthPx = width->value();
+    request.heightPx = height->value();
+    request.dpi = dpi->value();
+    request.jpegQuality = quality->value();
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    const ExportResult r =
-        ExportChart(window.Renderer(), window.View(), options, path.toStdString(), width->value(), height->value());
+    const ExportResult r = ExportChart(window.Renderer(), window.View(), options, request);
     QApplication::restoreOverrideCursor();
     window.RequestRedraw();  // the window's projection is set up again for the screen
     if (!r.Ok()) QMessageBox::critical(parent, QApplication::applicationName(), QString::fromStdString(r.Message()));
