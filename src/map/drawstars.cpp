@@ -483,7 +483,10 @@ void DrawStars(DrawContext& ctx, const CTycho2Catalogue& catalogue, StarLayerSta
         const double rx = d.rx + 0.5, ry = d.ry + 0.5;
         if (d.rx > 0 || d.ry > 0) ctx.labels.Occupy({d.x - rx, d.y - ry, d.x + rx, d.y + ry}, e.magCenti);
         const bool named = (e.flags & (entryflag::kProperName | entryflag::kBayerFlamsteed)) != 0;
-        if (named || level.magnitudes || (level.distances && e.distanceLy > 0))
+        // A star whose centre is off the chart shows at most a sliver of
+        // disc at the edge: a label there would seem to name nothing.
+        const bool centreOnChart = d.x >= 0.0 && d.y >= 0.0 && d.x < W && d.y < H;
+        if (centreOnChart && (named || level.magnitudes || (level.distances && e.distanceLy > 0)))
             jobs.push_back({d.index, d.x, d.y, rx, ry, e.magCenti});
     }
     std::stable_sort(jobs.begin(), jobs.end(), [](const LabelJob& a, const LabelJob& b) { return a.mag < b.mag; });

@@ -297,6 +297,33 @@ TEST(ChartPixels, BlackOnWhiteAndMonochromePrinting)
         }
 }
 
+// A bright star just beyond the left edge still shows a sliver of its disc,
+// but its name is not placed on the chart, where it would name nothing; two
+// pixels further in, the same star is labelled.
+TEST(ChartLabels, NoLabelForAStarWhoseCentreIsOffTheChart)
+{
+    CSmallCatalogueChart chart;
+    DiscsOnly(chart.View());
+    chart.Doc().stars.levelProperLow = 0;
+    chart.Doc().stars.levelProperHigh = 9;
+    chart.View().SetLevel(chart.View().Level(), CMapView::TakeField::No);
+    chart.Render();  // sets up the scale
+    const double halfWidthPx = chart.Width() / 2.0;
+    auto centreWithCentrumAt = [&](double xPx) {
+        // Centrum (RA 90°, Dec 0) `xPx` from the left edge: east of the
+        // centre by the angle whose stereographic distance is cx − xPx.
+        const double offsetRad = 2.0 * std::atan((halfWidthPx - xPx) / (2.0 * chart.PxPerRadian()));
+        chart.View().coordinates.SetCentreRaDec(chart.Doc().observer, test::kCentreRaDeg * kRadPerDeg - offsetRad, 0.0);
+        chart.Render();
+        return chart.Renderer().LastStats();
+    };
+    const RenderStats outside = centreWithCentrumAt(-2.0);
+    EXPECT_GE(outside.starsDrawn, 1);  // the sliver of its disc
+    EXPECT_EQ(outside.labelsDrawn, 0);
+    const RenderStats inside = centreWithCentrumAt(2.0);
+    EXPECT_EQ(inside.labelsDrawn, 1);
+}
+
 // Identification: the nearest star within the tolerance, its designation by
 // the first rule that applies, and the read-out lines.
 TEST(ChartIdentify, DesignationRulesInOrder)
