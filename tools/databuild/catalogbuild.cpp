@@ -888,18 +888,25 @@ void BuildFiles(Catalogue& cat, const HipData& hip, OutputFiles& out, CrossRepor
 
     // Proper names, Bayer letters and Flamsteed numbers, variables, doubles:
     // each attached to the star standing for the Hipparcos system.
+    // The record standing for HIP `h`, flagged with `f`; −1 (and `h` noted
+    // as unmatched) when no star of the catalogue stands for it.
+    auto attach = [&](std::uint32_t h, std::uint16_t f) -> std::int64_t {
+        const std::int64_t rec = hipStars.Find(h, 0);
+        if (rec < 0) {
+            unmatched.insert(h);
+            return -1;
+        }
+        stars[rec].flags |= f;
+        return rec;
+    };
     struct NameEntry {
         std::int64_t id;
         std::string name;
     };
     std::vector<NameEntry> names;
     for (const auto& [h, name] : hip.properNames) {
-        const std::int64_t rec = hipStars.Find(h, 0);
-        if (rec < 0) {
-            unmatched.insert(h);
-            continue;
-        }
-        stars[rec].flags |= flag::kProperName;
+        const std::int64_t rec = attach(h, flag::kProperName);
+        if (rec < 0) continue;
         names.push_back({stars[rec].TychoId(), name});
     }
     struct PropEntry {
@@ -908,12 +915,8 @@ void BuildFiles(Catalogue& cat, const HipData& hip, OutputFiles& out, CrossRepor
     };
     std::vector<PropEntry> props;
     for (const auto& [h, p] : hip.properties) {
-        const std::int64_t rec = hipStars.Find(h, 0);
-        if (rec < 0) {
-            unmatched.insert(h);
-            continue;
-        }
-        stars[rec].flags |= flag::kBayerFlamsteed;
+        const std::int64_t rec = attach(h, flag::kBayerFlamsteed);
+        if (rec < 0) continue;
         props.push_back({stars[rec].TychoId(), p});
     }
     struct VarEntry {
@@ -922,12 +925,8 @@ void BuildFiles(Catalogue& cat, const HipData& hip, OutputFiles& out, CrossRepor
     };
     std::vector<VarEntry> vars;
     for (const auto& [h, v] : hip.variables) {
-        const std::int64_t rec = hipStars.Find(h, 0);
-        if (rec < 0) {
-            unmatched.insert(h);
-            continue;
-        }
-        stars[rec].flags |= flag::kVariable;
+        const std::int64_t rec = attach(h, flag::kVariable);
+        if (rec < 0) continue;
         vars.push_back({stars[rec].TychoId(), &v});
     }
     struct DoubleEntry {
@@ -939,11 +938,8 @@ void BuildFiles(Catalogue& cat, const HipData& hip, OutputFiles& out, CrossRepor
     std::vector<std::string> codes;
     std::map<std::string, std::uint16_t> codeNumber;
     for (const auto& [h, d] : hip.doubles) {
-        const std::int64_t rec = hipStars.Find(h, 0);
-        if (rec < 0) {
-            unmatched.insert(h);
-            continue;
-        }
+        const std::int64_t rec = attach(h, flag::kDouble);
+        if (rec < 0) continue;
         DoubleEntry e{static_cast<std::uint32_t>(rec), kWdsNoCode, 0};
         if (d && d->code.size() < kWdsEntrySize && d->number <= 0xFFFF) {
             auto [it, inserted] = codeNumber.emplace(d->code, static_cast<std::uint16_t>(codes.size() + 1));
@@ -951,7 +947,6 @@ void BuildFiles(Catalogue& cat, const HipData& hip, OutputFiles& out, CrossRepor
             e.code = it->second;
             e.number = static_cast<std::uint16_t>(d->number);
         }
-        stars[rec].flags |= flag::kDouble;
         doubles.push_back(e);
     }
     report.names = names.size();
