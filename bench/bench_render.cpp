@@ -13,6 +13,7 @@
 
 #include <memory>
 
+#include "catalog/stars/drawstars.h"
 #include "catalog/stars/tycho2catalogue.h"
 #include "map/mapdraw.h"
 #include "map/mapview.h"
@@ -49,20 +50,31 @@ struct Chart {
     }
 };
 
-CChartCatalogues& Catalogues()
+// The program's chart assembly: the map's layers and the star catalogue.
+struct Components {
+    std::shared_ptr<CStarCatalogueHandle> stars = std::make_shared<CStarCatalogueHandle>();
+    CChartComponents chart;
+    Components()
+    {
+        RegisterMapLayers(chart.layers);
+        RegisterStarCatalogue(chart, stars);
+    }
+};
+
+Components& Catalogues()
 {
-    static CChartCatalogues c;
+    static Components c;
     return c;
 }
 
 void Run(benchmark::State& state, Chart& chart, bool invalidate)
 {
-    if (!Catalogues().Tycho().IsOpen()) {
+    if (!Catalogues().stars->Get().IsOpen()) {
         state.SkipWithError("no star catalogue in the data folder (set ORVANE_DATA)");
         return;
     }
     QImage image(kWidth, kHeight, QImage::Format_RGB32);
-    CChartRenderer renderer(Catalogues());
+    CChartRenderer renderer(Catalogues().chart);
     RenderOptions options;
     for (auto _ : state) {
         if (invalidate) renderer.Invalidate();

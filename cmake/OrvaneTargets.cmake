@@ -6,9 +6,16 @@
 #   orvane_render_library(<name> SOURCES ... [LINKS ...])
 #       A drawing or settings library: may use Qt Core and Qt Gui (QPainter),
 #       never Qt Widgets, so charts can be drawn headless.
+#   orvane_map_core_targets(<name> ...)
+#       Marks the libraries of the map core (document, projection, drawing
+#       pipeline, export). They may reach the utility library, the observer,
+#       the string table and each other, never a catalogue or another
+#       subsystem: those plug into the chart as layers and sky-object sources.
 #   orvane_check_core_targets()
 #       Walks the link graph of every library registered above and stops the
-#       configuration when a forbidden Qt module is reachable from it.
+#       configuration when a forbidden Qt module is reachable from it, when
+#       the map core reaches a subsystem, or when the core of a subsystem
+#       reaches the map's drawing code.
 
 if(ORVANE_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
@@ -63,7 +70,47 @@ function(_orvane_link_closure target out)
   set(${out} ${seen} PARENT_SCOPE)
 endfunction()
 
+function(orvane_map_core_targets)
+  foreach(t IN LISTS ARGN)
+    if(TARGET ${t})
+      set_property(GLOBAL APPEND PROPERTY ORVANE_MAP_CORE_TARGETS ${t})
+    endif()
+  endforeach()
+endfunction()
+
+# Libraries every part of the program may use.
+set(ORVANE_FOUNDATION_TARGETS orvane_util orvane_observer orvane_strings orvane_settings)
+
+function(_orvane_check_layering)
+  get_property(mapcore GLOBAL PROPERTY ORVANE_MAP_CORE_TARGETS)
+  get_property(core GLOBAL PROPERTY ORVANE_CORE_TARGETS)
+  get_property(render GLOBAL PROPERTY ORVANE_RENDER_TARGETS)
+  set(ours ${core} ${render})
+  foreach(t IN LISTS mapcore)
+    _orvane_link_closure(${t} closure)
+    foreach(item IN LISTS closure)
+      if(item IN_LIST ours AND NOT item IN_LIST mapcore AND NOT item IN_LIST ORVANE_FOUNDATION_TARGETS)
+        message(FATAL_ERROR "Map core library '${t}' reaches '${item}': the map knows no subsystem; "
+                            "a catalogue or subsystem plugs in as a chart layer and a sky-object source.")
+      endif()
+    endforeach()
+  endforeach()
+  # The core (standard C++) of a subsystem never depends on the map's drawing.
+  foreach(t IN LISTS core)
+    if(t IN_LIST mapcore)
+      continue()
+    endif()
+    _orvane_link_closure(${t} closure)
+    foreach(item IN LISTS closure)
+      if(item IN_LIST render AND item IN_LIST mapcore)
+        message(FATAL_ERROR "Core library '${t}' reaches the map drawing library '${item}'.")
+      endif()
+    endforeach()
+  endforeach()
+endfunction()
+
 function(orvane_check_core_targets)
+  _orvane_check_layering()
   get_property(core GLOBAL PROPERTY ORVANE_CORE_TARGETS)
   get_property(render GLOBAL PROPERTY ORVANE_RENDER_TARGETS)
   foreach(t IN LISTS core)

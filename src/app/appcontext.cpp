@@ -4,6 +4,8 @@
 #include <QStandardPaths>
 
 #include "app/qtsettingsstore.h"
+#include "catalog/stars/drawstars.h"
+#include "satellite/passdraw.h"
 #include "util/settingsstore.h"
 
 namespace orv {
@@ -13,8 +15,13 @@ constexpr const char* kSettings = "Settings";
 }
 
 CAppContext::CAppContext(CSettingsStore& settings, QObject* parent)
-    : QObject(parent), m_settings(settings), m_catalogues(std::make_unique<CChartCatalogues>())
+    : QObject(parent), m_settings(settings), m_stars(std::make_shared<CStarCatalogueHandle>())
 {
+    // The program's charts: the map's own layers, the star catalogue, and
+    // the satellite passes plotted from the pass sheet.
+    RegisterMapLayers(m_components.layers);
+    RegisterStarCatalogue(m_components, m_stars);
+    sat::RegisterPlottedPassLayer(m_components.layers);
     m_levels.Load(settings);
     const int scheme = settings.GetInt(kSettings, "ColourScheme", 0);
     m_scheme = scheme == 1 ? ColourScheme::RedNightVision : scheme == 2 ? ColourScheme::BlackOnWhite : ColourScheme::Normal;

@@ -1,5 +1,6 @@
 // CAppContext: what every window of the program shares — the settings
-// store, the level table, the catalogues, the colour scheme and the
+// store, the level table, the chart's layers and sky-object sources (the
+// program is assembled here), the colour scheme and the
 // preferences of the application itself (section "Settings": recent files,
 // the keep-title flag; section "Paths": the data folder and the default map
 // file "MainFile").
@@ -11,12 +12,14 @@
 
 #include <memory>
 
+#include "map/chartlayer.h"
 #include "map/levels.h"
 #include "map/mapdraw.h"
 
 namespace orv {
 
 class CSettingsStore;
+class CStarCatalogueHandle;
 
 class CAppContext : public QObject {
     Q_OBJECT
@@ -25,7 +28,9 @@ public:
     ~CAppContext() override;
 
     CSettingsStore& Settings() { return m_settings; }
-    CChartCatalogues& Catalogues() { return *m_catalogues; }
+    // The layers every chart draws and the sources that find and describe
+    // what they draw.
+    const CChartComponents& Components() const { return m_components; }
 
     const CLevelTable& Levels() const { return m_levels; }
     // Stores a new level table under "Level1".."Level10" and tells the maps.
@@ -59,7 +64,8 @@ signals:
 
 private:
     CSettingsStore& m_settings;
-    std::unique_ptr<CChartCatalogues> m_catalogues;
+    std::shared_ptr<CStarCatalogueHandle> m_stars;
+    CChartComponents m_components;
     CLevelTable m_levels;
     ColourScheme m_scheme = ColourScheme::Normal;
     bool m_showSearchTarget = true;

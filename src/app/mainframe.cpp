@@ -268,12 +268,9 @@ void CMainFrame::CreateToolBars()
     m_findBox->setMinimumWidth(240);
     chart->addWidget(m_findBox);
     connect(m_findBox, &QLineEdit::returnPressed, this, [this] { FindAndCentre(m_findBox->text()); });
-    // Proper names and constellations offered as the user types.
+    // The names every catalogue offers, as the user types.
     QStringList names;
-    CTycho2Catalogue& tycho = m_app.Catalogues().Tycho();
-    if (tycho.IsOpen())
-        for (std::size_t i = 0; i < tycho.ProperNameCount(); ++i) names << ToQ(std::string(tycho.ProperNameAt(i)));
-    names.sort(Qt::CaseInsensitive);
+    for (const std::string& n : m_app.Components().objects.CompletionNames()) names << ToQ(n);
     auto* completer = new QCompleter(names, m_findBox);
     completer->setCaseSensitivity(Qt::CaseInsensitive);
     m_findBox->setCompleter(completer);
@@ -391,35 +388,27 @@ bool CMainFrame::FindAndCentre(const QString& text)
     if (w == nullptr) w = NewMap();
     const QString query = text.trimmed();
     if (query.isEmpty()) return false;
-    CTycho2Catalogue& tycho = m_app.Catalogues().Tycho();
-    if (!tycho.IsOpen()) {
-        QMessageBox::warning(this, QApplication::applicationName(),
-                             tr("The Tycho-2 star catalogue is not installed, so stars cannot be found by name."));
-        return false;
-    }
-    const auto record = ResolveStarDesignation(tycho, query.toStdString());
-    StarRecord star;
-    if (!record || !tycho.ReadRecord(*record, star)) {
+    // Every catalogue registered with the program is asked, the place
+    // computed for the map's date.
+    const FindResult found = m_app.Components().objects.Resolve(query.toStdString(), w->Doc().observer);
+    switch (found.status) {
+    case FindStatus::Found: break;
+    case FindStatus::NotFound:
         statusBar()->showMessage(tr("\"%1\" was not found").arg(query), 5000);
         QApplication::beep();
+        m_findBox->setToolTip(ToQ(found.message));
+        return false;
+    case FindStatus::EmptyText: return false;
+    case FindStatus::NothingInstalled:
+    case FindStatus::Ambiguous:
+        QMessageBox::warning(this, QApplication::applicationName(), ToQ(found.message));
         return false;
     }
-    double ra = 0.0, dec = 0.0;
-    tycho.GetStarPosition(w->Doc().observer, star.TychoId(), StarPlace::Catalogue, ra, dec);
-    // Where the star is at the map's date: its proper motion applied.
-    double raDate = ra, decDate = dec;
-    if (tycho.GetStarPosition(w->Doc().observer, star.TychoId(), StarPlace::OfDate, raDate, decDate)) {
-        // The centre is held in catalogue coordinates; move it by the star's
-        // own motion so that the star sits at the centre at the map's date.
-        double raBack = raDate, decBack = decDate;
-        DateToCatalogue(w->Doc().observer, raBack, decBack);
-        ra = raBack;
-        dec = decBack;
-    }
-    SearchTarget target{ra, dec, query.toStdString()};
-    w->CentreOn(ra, dec, target);
+    const SkyObjectMatch& m = found.matches.front();
+    SearchTarget target{m.raJ2000Rad, m.decJ2000Rad, query.toStdString()};
+    w->CentreOn(m.raJ2000Rad, m.decJ2000Rad, target);
     statusBar()->showMessage(tr("%1 at α %2, δ %3 (J2000)")
-                                 .arg(query, ToQ(FormatHms(ra, 1)), ToQ(FormatDms(dec, 0))),
+                                 .arg(query, ToQ(FormatHms(m.raJ2000Rad, 1)), ToQ(FormatDms(m.decJ2000Rad, 0))),
                              8000);
     return true;
 }

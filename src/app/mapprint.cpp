@@ -121,9 +121,7 @@ void DrawMapPage(QPainter& painter, const QRect& page, double dpiX, double dpiY,
     options.monochrome = s.printMono != 0;
     options.target = window.Target();
     options.showSearchTarget = app.ShowSearchTarget();
-    options.plottedPasses = window.PlottedPassesToDraw();
-    // Printing uses its own projection set-up; the window's is restored by
-    // its next redraw.
+    // The page gets its own projection; the window's is left as it is.
     window.Renderer().Draw(surface, view, options);
     painter.restore();
     // The frame last: the chart fills its own background up to the edges.
@@ -230,7 +228,6 @@ void ExportMapWithDialog(QWidget* parent, CMapWindow& window, CAppContext& app)
     options.scheme = app.Scheme();
     options.target = window.Target();
     options.showSearchTarget = app.ShowSearchTarget();
-    options.plottedPasses = window.PlottedPassesToDraw();
     ExportRequest request;
     request.path = path.toStdString();
     request.widthPx = width->value();
@@ -240,7 +237,6 @@ void ExportMapWithDialog(QWidget* parent, CMapWindow& window, CAppContext& app)
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const ExportResult r = ExportChart(window.Renderer(), window.View(), options, request);
     QApplication::restoreOverrideCursor();
-    window.RequestRedraw();  // the window's projection is set up again for the screen
     if (!r.Ok()) QMessageBox::critical(parent, QApplication::applicationName(), QString::fromStdString(r.Message()));
 }
 

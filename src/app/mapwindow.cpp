@@ -43,7 +43,7 @@ QString ToQ(const std::string& s) { return QString::fromStdString(s); }
 }  // namespace
 
 CMapWindow::CMapWindow(CAppContext& app, QWidget* parent)
-    : QWidget(parent), m_app(app), m_renderer(std::make_unique<CChartRenderer>(app.Catalogues()))
+    : QWidget(parent), m_app(app), m_renderer(std::make_unique<CChartRenderer>(app.Components()))
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_DeleteOnClose);
@@ -193,20 +193,26 @@ RenderOptions CMapWindow::Options() const
     o.scheme = m_app.Scheme();
     o.target = m_target;
     o.showSearchTarget = m_app.ShowSearchTarget();
-    o.plottedPasses = PlottedPassesToDraw();
     return o;
 }
 
 void CMapWindow::SetPlottedPasses(sat::PlottedPassList passes)
 {
-    m_plottedPasses = std::move(passes);
+    if (auto* layer = m_renderer->FindLayer<sat::CPlottedPassLayer>()) layer->SetPasses(std::move(passes));
     RequestRedraw();
 }
 
 void CMapWindow::ClearPlottedPasses()
 {
-    m_plottedPasses.passes.clear();
+    if (auto* layer = m_renderer->FindLayer<sat::CPlottedPassLayer>()) layer->Clear();
     RequestRedraw();
+}
+
+const sat::PlottedPassList& CMapWindow::PlottedPasses() const
+{
+    static const sat::PlottedPassList kNone;
+    const auto* layer = m_renderer->FindLayer<sat::CPlottedPassLayer>();
+    return layer != nullptr ? layer->Passes() : kNone;
 }
 
 void CMapWindow::RequestRedraw()

@@ -88,14 +88,15 @@ public:
     void Tick();
 
     // --- Satellite passes plotted on this chart ------------------------------------
+    // They belong to this chart's pass layer, so the window, its printed
+    // pages and its exported pictures all show them.
     void SetPlottedPasses(sat::PlottedPassList passes);
     void ClearPlottedPasses();
-    const sat::PlottedPassList& PlottedPasses() const { return m_plottedPasses; }
-    // What the renderer is handed: nullptr when there is nothing to plot.
-    const sat::PlottedPassList* PlottedPassesToDraw() const
-    {
-        return m_plottedPasses.passes.empty() ? nullptr : &m_plottedPasses;
-    }
+    const sat::PlottedPassList& PlottedPasses() const;
+
+    // The options the window draws with (scheme, search target); printing
+    // and export start from them.
+    RenderOptions Options() const;
 
     // The object nearest a pixel of the chart, within a few pixels.
     std::optional<IdentifiedObject> IdentifyAt(QPointF px) const;
@@ -133,7 +134,6 @@ private:
     void DragSky(QPointF fromPx, QPointF toPx);
     void ApplyTitle();
     bool WriteTo(const QString& path, SaveTarget target);
-    RenderOptions Options() const;
 
     CAppContext& m_app;
     std::unique_ptr<CMapDoc> m_doc;
@@ -152,7 +152,6 @@ private:
     QPointF m_lastDragPx;
 
     std::optional<SearchTarget> m_target;
-    sat::PlottedPassList m_plottedPasses;
     QString m_cursorRaDec;
     QString m_cursorAltAz;
     double m_lastTickSecond = 0.0;

@@ -20,6 +20,7 @@
 
 #include "app/appcontext.h"
 #include "app/mapwindow.h"
+#include "catalog/stars/starsource.h"
 #include "map/mapdraw.h"
 #include "util/settingsstore.h"
 
@@ -52,7 +53,7 @@ int DefaultWidth(int column) { return column == 0 ? 190 : column >= 5 ? 110 : co
 }  // namespace
 
 CVisibleStarsDialog::CVisibleStarsDialog(CMapWindow& window, CAppContext& app, QWidget* parent)
-    : QDialog(parent), m_window(window), m_app(app), m_rows(window.Renderer().VisibleStars())
+    : QDialog(parent), m_window(window), m_app(app), m_rows(VisibleStarRows(window.Renderer().WindowScene(), app.Components().objects))
 {
     setWindowTitle(tr("Stars Visible on the Map"));
     auto* layout = new QVBoxLayout(this);

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <iostream>
 
+#include "cli/chartassembly.h"
 #include "cli/cli.h"
 #include "cli/mapoptions.h"
 #include "cli/options.h"
@@ -141,8 +142,7 @@ int Render(Context& ctx)
         view.coordinates.SetFlips(h ? -1 : 1, v ? -1 : 1);
     }
 
-    CChartCatalogues catalogues;
-    CChartRenderer renderer(catalogues);
+    CChartRenderer renderer(ChartComponents());
     const ExportResult result = ExportChart(renderer, view, options, request);
     if (!result.Ok()) return Fail(ctx, result.Message());
     const RenderStats& stats = renderer.LastStats();

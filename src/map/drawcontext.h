@@ -1,8 +1,9 @@
 // What every layer of a chart is given when it draws: the surface and its
-// painter, the map (view, document, projection, level, observer), the
-// chart's fast sky-to-pixel path, the colours of the scheme in use, the
-// chart's fonts, and the register of the places already taken by texts.
-// Internal to the drawing library.
+// painter, the map (view, document, the surface's own projection, level,
+// observer), the chart's fast sky-to-pixel path, the colours of the scheme
+// in use, the chart's fonts, the register of the places already taken by
+// texts, and the scene in which the layer records the objects it drew.
+// Every layer (chartlayer.h) draws through this.
 #pragma once
 
 #include <QColor>
@@ -21,8 +22,6 @@
 #include "util/angles.h"
 
 namespace orv {
-
-struct GridLines;
 
 // Colours of one scheme on one kind of surface.
 struct ChartPalette {
@@ -44,6 +43,8 @@ struct ChartPalette {
     QColor scaleLine;
     QColor compass;
     QColor labelBackground;     // behind grid labels
+    QColor satellitePath;       // plotted satellite passes: path, ticks, arrowhead
+    QColor satelliteText;       // their names and clock times
 
     // A star colour brought to the scheme (red: luminance as red).
     QColor StarColour(const QColor& c) const;
@@ -65,9 +66,9 @@ ChartFonts MakeFonts(double dpiY);
 struct DrawContext {
     const DrawSurface& surface;
     QPainter& painter;
-    CMapView& view;
+    const CMapView& view;
     const CMapDoc& doc;
-    const CCoordinates& coords;
+    const CCoordinates& coords;  // the view's projection set up for this surface
     const CChartFrame& frame;
     int level = 0;
     const RenderOptions& options;
@@ -75,7 +76,7 @@ struct DrawContext {
     ChartFonts fonts;
     CLabelPlacer& labels;
     RenderStats& stats;
-    std::shared_ptr<GridLines> altAzLines;  // traced in the horizon grid's first pass, drawn again in its second
+    CChartScene& scene;  // what this draw put where
 
     double Width() const { return surface.widthPx; }
     double Height() const { return surface.heightPx; }
@@ -91,15 +92,22 @@ struct DrawContext {
     }
 };
 
-// Layers of the chart drawn by this library (the others draw nothing yet).
-void DrawAltAzGridFirstPass(DrawContext& ctx);
-void DrawAltAzGridSecondPass(DrawContext& ctx);
+// The drawing of the map's own layers (registered by RegisterMapLayers).
+// The horizon grid is traced once, in its first pass (with the ground
+// below the horizon), and drawn again with its labels in the second.
+struct GridLines;
+void DrawAltAzGridFirstPass(DrawContext& ctx, std::shared_ptr<GridLines>& traced);
+void DrawAltAzGridSecondPass(DrawContext& ctx, std::shared_ptr<GridLines>& traced);
 void DrawEquatorialGrid(DrawContext& ctx);
 void DrawEclipticGrid(DrawContext& ctx);
 void DrawGalacticGrid(DrawContext& ctx);
 void DrawSearchTarget(DrawContext& ctx);
 void DrawScaleLine(DrawContext& ctx);
 void DrawCompass(DrawContext& ctx);
+// The corners that the scale line and the compass will use, taken before
+// any label is placed so that no label goes under them.
+void ReserveScaleLineArea(DrawContext& ctx);
+void ReserveCompassArea(DrawContext& ctx);
 // Unit screen vectors of celestial north and east at a pixel, as the
 // compass draws them for the chart centre (rotation and flips included).
 struct CompassDirections {
@@ -107,10 +115,6 @@ struct CompassDirections {
     bool ok = false;
 };
 CompassDirections CompassAt(const CChartFrame& frame, double xPx, double yPx);
-
-// Takes the corners that the scale line and the compass will use, before any
-// label is placed, so that no label goes under them.
-void ReserveMarkAreas(DrawContext& ctx);
 
 // Spacing of one grid: latitude step in arc seconds, longitude step in arc
 // seconds (or seconds of time for right ascension).

@@ -490,23 +490,24 @@ bool CGroundTest::BelowHorizon(double xPx, double yPx) const { return Side(m_coo
 
 // The horizon grid is traced once, in the first pass, and its lines are
 // drawn again with their labels in the second.
-void DrawAltAzGridFirstPass(DrawContext& ctx)
+void DrawAltAzGridFirstPass(DrawContext& ctx, std::shared_ptr<GridLines>& traced)
 {
+    traced.reset();
     if (ctx.view.altAzGrid.solidHorizon != 0) FillGround(ctx);
     const int state = ctx.view.altAzGrid.state;
     if (state <= 0) return;
-    ctx.altAzLines = std::make_shared<GridLines>(TraceGrid(ctx, GridKind::AltAz, ctx.doc.altAzGrid));
-    StrokeGrid(ctx, GridKind::AltAz, *ctx.altAzLines, state);
+    traced = std::make_shared<GridLines>(TraceGrid(ctx, GridKind::AltAz, ctx.doc.altAzGrid));
+    StrokeGrid(ctx, GridKind::AltAz, *traced, state);
 }
 
-void DrawAltAzGridSecondPass(DrawContext& ctx)
+void DrawAltAzGridSecondPass(DrawContext& ctx, std::shared_ptr<GridLines>& traced)
 {
     const int state = ctx.view.altAzGrid.state;
     if (state <= 0) return;
-    if (!ctx.altAzLines)
-        ctx.altAzLines = std::make_shared<GridLines>(TraceGrid(ctx, GridKind::AltAz, ctx.doc.altAzGrid));
-    StrokeGrid(ctx, GridKind::AltAz, *ctx.altAzLines, state);
-    if (ctx.doc.altAzGrid.labelVisible != 0) LabelGrid(ctx, *ctx.altAzLines);
+    if (!traced) traced = std::make_shared<GridLines>(TraceGrid(ctx, GridKind::AltAz, ctx.doc.altAzGrid));
+    StrokeGrid(ctx, GridKind::AltAz, *traced, state);
+    if (ctx.doc.altAzGrid.labelVisible != 0) LabelGrid(ctx, *traced);
+    traced.reset();
 }
 
 void DrawEquatorialGrid(DrawContext& ctx)

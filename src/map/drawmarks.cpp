@@ -175,19 +175,23 @@ void DrawCompass(DrawContext& ctx)
                        o.y() + L + fm.height()});
 }
 
-void ReserveMarkAreas(DrawContext& ctx)
+void ReserveScaleLineArea(DrawContext& ctx)
 {
+    if (!ctx.view.scaleLine.shown) return;
     const QFontMetricsF fm(ctx.fonts.mark, ctx.painter.device());
     const double margin = ctx.Px(0.15, 8.0);
-    if (ctx.view.scaleLine.shown) {
-        const double tick = ctx.Px(0.04, 3.0), y = ctx.Height() - margin;
-        ctx.labels.Occupy({margin - tick, y - tick - fm.height(), margin + 0.25 * ctx.Width() + tick, y + tick});
-    }
-    if (ctx.view.compass.shown) {
-        const double L = ctx.Px(0.35, 20.0);
-        const double ox = ctx.Width() - margin - L, oy = ctx.Height() - margin - L;
-        ctx.labels.Occupy({ox - L - fm.height(), oy - L - fm.height(), ox + L + fm.height(), oy + L + fm.height()});
-    }
+    const double tick = ctx.Px(0.04, 3.0), y = ctx.Height() - margin;
+    ctx.labels.Occupy({margin - tick, y - tick - fm.height(), margin + 0.25 * ctx.Width() + tick, y + tick});
+}
+
+void ReserveCompassArea(DrawContext& ctx)
+{
+    if (!ctx.view.compass.shown) return;
+    const QFontMetricsF fm(ctx.fonts.mark, ctx.painter.device());
+    const double margin = ctx.Px(0.15, 8.0);
+    const double L = ctx.Px(0.35, 20.0);
+    const double ox = ctx.Width() - margin - L, oy = ctx.Height() - margin - L;
+    ctx.labels.Occupy({ox - L - fm.height(), oy - L - fm.height(), ox + L + fm.height(), oy + L + fm.height()});
 }
 
 }  // namespace orv

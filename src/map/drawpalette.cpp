@@ -45,6 +45,8 @@ ChartPalette NormalPalette()
     p.scaleLine = QColor(210, 210, 210);
     p.compass = QColor(210, 210, 160);
     p.labelBackground = p.background;
+    p.satellitePath = QColor(255, 200, 70);
+    p.satelliteText = QColor(255, 228, 150);
     return p;
 }
 
@@ -71,6 +73,8 @@ ChartPalette BlackOnWhitePalette()
     p.scaleLine = QColor(0, 0, 0);
     p.compass = QColor(0, 0, 0);
     p.labelBackground = p.background;
+    p.satellitePath = QColor(0, 0, 0);
+    p.satelliteText = QColor(0, 0, 0);
     return p;
 }
 
@@ -96,6 +100,8 @@ ChartPalette RedPalette()
     p.scaleLine = QColor(190, 0, 0);
     p.compass = QColor(190, 0, 0);
     p.labelBackground = p.background;
+    p.satellitePath = QColor(220, 0, 0);
+    p.satelliteText = QColor(190, 0, 0);
     return p;
 }
 
@@ -132,7 +138,7 @@ ChartPalette MakePalette(ColourScheme scheme, SurfaceKind kind, bool monochrome)
         for (QColor* c : {&p.background, &p.ground, &p.horizonLine, &p.grid[0], &p.grid[1], &p.grid[2], &p.grid[3],
                           &p.gridFaint[0], &p.gridFaint[1], &p.gridFaint[2], &p.gridFaint[3], &p.gridLabel,
                           &p.starPlain, &p.starHalo, &p.starLabel, &p.greekLabel, &p.starMark, &p.pmLine,
-                          &p.scaleLine, &p.compass, &p.labelBackground})
+                          &p.scaleLine, &p.compass, &p.labelBackground, &p.satellitePath, &p.satelliteText})
             grey(*c);
     }
     if (p.redOnly) {

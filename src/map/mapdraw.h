@@ -1,17 +1,18 @@
 // Drawing a chart: one function for every surface.
 //
 // CChartRenderer draws a map view onto any QPainter — the window, a printer
-// page, a raster image, a PDF or SVG file — running the chart's layers in
-// their fixed order (altitude-azimuth grid lines, background image, Earth's
-// shadow, equatorial grid, altitude-azimuth grid with labels, ecliptic grid,
-// galactic grid, overlays, horizon, constellation figures, stars, planets,
-// comets, asteroids, deep-sky objects, user catalogues, quick catalogue,
-// target list, constellation names, tracks, satellite passes, annotations,
-// search target marker, scale line, compass). Each layer is given the
-// surface, the projection, the level and the observer, and returns at once
-// when the level is outside its range. Layers differ only where the kind of
-// surface matters (the search target marker is drawn on raster displays
-// only; printers and vector files get hairlines scaled to their resolution).
+// page, a raster image, a PDF or SVG file — running the chart's registered
+// layers (chartlayer.h) in their fixed order. Each layer is given the
+// surface, the surface's own projection, the level and the observer, and
+// is skipped when the level is outside its range. Layers differ only where
+// the kind of surface matters (the search target marker is drawn on raster
+// displays only; printers and vector files get hairlines scaled to their
+// resolution).
+//
+// The view is only read: the projection of each surface is built in the
+// drawing context, so printing or exporting never changes the window's.
+// What each draw put where is recorded in a chart scene (skyobjects.h), the
+// window's for identification and the last draw's for the lists.
 //
 // This library uses Qt Gui (QPainter) but never Qt Widgets, so charts can be
 // drawn headless by the command line and the tests.
@@ -25,15 +26,12 @@
 #include <string>
 #include <vector>
 
-#include "catalog/stars/stardisplay.h"
+#include "map/chartlayer.h"
+#include "map/skyobjects.h"
 
 namespace orv {
 
 class CMapView;
-class CTycho2Catalogue;
-namespace sat {
-struct PlottedPassList;  // satellite/passdraw.h
-}
 
 enum class SurfaceKind {
     RasterDisplay,  // the chart window
@@ -66,30 +64,15 @@ struct SearchTarget {
 
 // An object drawn on the chart, found under the cursor.
 struct IdentifiedObject {
-    enum class Kind { Star, Planet, Comet, Asteroid, DeepSky, Other };
-    Kind kind = Kind::Other;
+    ObjectType type = ObjectType::Unknown;
     std::string designation;  // e.g. "alpha CMa", "Sirius", "TYC 5949-2777-1"
     std::string information;  // the identify read-out (several lines)
-    double raJ2000Rad = 0.0;  // catalogue position
+    double raJ2000Rad = 0.0;  // catalogue position at the chart's date
     double decJ2000Rad = 0.0;
     double xPx = 0.0;         // where it was drawn
     double yPx = 0.0;
-};
-
-// Catalogues shared by every chart of the program, opened on first use.
-class CChartCatalogues {
-public:
-    CChartCatalogues();
-    ~CChartCatalogues();
-    CChartCatalogues(const CChartCatalogues&) = delete;
-    CChartCatalogues& operator=(const CChartCatalogues&) = delete;
-
-    // The Tycho-2 catalogue, opened on the first call (closed when missing).
-    CTycho2Catalogue& Tycho();
-
-private:
-    std::unique_ptr<CTycho2Catalogue> m_tycho;
-    bool m_tried = false;
+    SkySourceId source = kNoSkySource;  // who describes it, and its key there
+    std::uint32_t key = 0;
 };
 
 struct RenderOptions {
@@ -97,7 +80,6 @@ struct RenderOptions {
     bool monochrome = false;              // printing in black and white
     std::optional<SearchTarget> target;   // the search target, when set
     bool showSearchTarget = true;         // View menu: search target shown
-    const sat::PlottedPassList* plottedPasses = nullptr;  // layer 21, not owned; nullptr: none
 };
 
 // What the last draw did (for the status bar, the command line and tests).
@@ -109,40 +91,50 @@ struct RenderStats {
     bool catalogueOpen = false;
 };
 
-// One renderer per chart: it keeps what the chart reuses between redraws
-// (the star list for incremental extension, the positions of the objects
-// drawn for identification).
+// One renderer per chart: its own instances of the registered layers (which
+// keep what the chart reuses between redraws) and the scenes of its draws.
 class CChartRenderer {
 public:
-    explicit CChartRenderer(CChartCatalogues& catalogues);
+    // `components` must outlive the renderer.
+    explicit CChartRenderer(const CChartComponents& components);
     ~CChartRenderer();
     CChartRenderer(const CChartRenderer&) = delete;
     CChartRenderer& operator=(const CChartRenderer&) = delete;
 
-    // Sets up the projection for the surface and draws the whole chart.
-    void Draw(const DrawSurface& surface, CMapView& view, const RenderOptions& options);
+    // Draws the whole chart of `view` on the surface, through a projection
+    // made for the surface (the view's own is left as it is).
+    void Draw(const DrawSurface& surface, const CMapView& view, const RenderOptions& options);
 
     // The object drawn nearest to a pixel of the last raster-display draw,
-    // within `tolerancePx`, or nothing.
+    // within `tolerancePx`, described by its source; or nothing.
     std::optional<IdentifiedObject> Identify(double xPx, double yPx, double tolerancePx) const;
 
-    // The text listing of the stars visible on the last chart, headed
-    // "Stars Visible on the Map" and a blank line, one star a line.
-    std::string VisibleStarsText() const;
-
-    // The same stars as rows for the list window (designation, magnitude,
-    // B−V, flags, position), brightest first; SortVisibleStars (in
-    // catalog/stars/stardisplay.h) applies the list's sorting rules.
-    std::vector<VisibleStarRow> VisibleStars() const;
+    // What the last raster-display draw recorded (identification, the
+    // window's lists), and what the last draw of any surface recorded.
+    const CChartScene& WindowScene() const;
+    const CChartScene& LastScene() const;
+    const CChartComponents& Components() const { return m_components; }
 
     // What the last draw did.
     const RenderStats& LastStats() const;
 
-    // Forgets cached lists (after a change of catalogue or star settings).
+    // Forgets what the layers keep (after a change of catalogue or settings).
     void Invalidate();
 
+    // This chart's instance of a layer class, or nullptr.
+    template <class Layer>
+    Layer* FindLayer() const
+    {
+        for (const auto& l : Layers())
+            if (auto* t = dynamic_cast<Layer*>(l.get())) return t;
+        return nullptr;
+    }
+
 private:
+    const std::vector<std::unique_ptr<IChartLayer>>& Layers() const;
+
     struct Impl;
+    const CChartComponents& m_components;
     std::unique_ptr<Impl> m_impl;
 };
 

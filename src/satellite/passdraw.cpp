@@ -30,21 +30,6 @@ constexpr double kPathLimitRad = 160.0 * kRadPerDeg;
 // Pixels beyond the surface to which segments are clipped (room for line caps).
 constexpr double kClipMarginPx = 16.0;
 
-struct PassStyle {
-    QColor path;
-    QColor text;
-};
-
-PassStyle StyleFor(ColourScheme scheme)
-{
-    switch (scheme) {
-    case ColourScheme::RedNightVision: return {QColor(220, 40, 40), QColor(190, 30, 30)};
-    case ColourScheme::BlackOnWhite: return {QColor(0, 0, 0), QColor(0, 0, 0)};
-    case ColourScheme::Normal: break;
-    }
-    return {QColor(255, 200, 70), QColor(255, 228, 150)};
-}
-
 // The point's direction in the chart's frame.
 void PointToFrame(const CChartFrame& frame, const PlottedPassPoint& p, double v[3])
 {
@@ -160,26 +145,18 @@ QRectF TextBesidePath(const QFontMetricsF& metrics, QPointF anchor, double nx, d
     return QRectF(x, y - h, w, h + metrics.descent());
 }
 
-// Texts already on the chart: a label that would overlap one is left out.
-// Slow satellites (high orbits seen for hours) would otherwise pile their
-// labels into an unreadable block; the labels kept are then spaced as
-// widely as their own size requires.
-class CLabelSpace {
-public:
-    explicit CLabelSpace(double marginPx) : m_margin(marginPx) {}
-    bool Take(const QRectF& r)
-    {
-        const QRectF padded = r.adjusted(-m_margin, -m_margin, m_margin, m_margin);
-        for (const QRectF& t : m_taken)
-            if (t.intersects(padded)) return false;
-        m_taken.push_back(r);
-        return true;
-    }
-
-private:
-    double m_margin;
-    std::vector<QRectF> m_taken;
-};
+// Texts already on the chart (grid and star labels, and the passes' own): a
+// label that would come within `marginPx` of one is left out. Slow
+// satellites (high orbits seen for hours) would otherwise pile their labels
+// into an unreadable block; the labels kept are then spaced as widely as
+// their own size requires.
+bool TakeLabelPlace(CLabelPlacer& labels, const QRectF& r, double marginPx)
+{
+    const LabelRect padded{r.left() - marginPx, r.top() - marginPx, r.right() + marginPx, r.bottom() + marginPx};
+    if (!labels.IsFree(padded)) return false;
+    labels.Occupy({r.left(), r.top(), r.right(), r.bottom()});
+    return true;
+}
 
 }  // namespace
 
@@ -253,12 +230,11 @@ std::vector<PassLabel> PassLabels(const CChartFrame& frame, const PlottedPass& p
     return labels;
 }
 
-void DrawPlottedPasses(const DrawSurface& surface, const CChartFrame& frame, const PlottedPassList& passes,
-                       ColourScheme scheme)
+void DrawPlottedPasses(const DrawSurface& surface, const CChartFrame& frame, const ChartPalette& palette,
+                       CLabelPlacer& labels, const PlottedPassList& passes)
 {
     if (surface.painter == nullptr || passes.passes.empty()) return;
     QPainter& painter = *surface.painter;
-    const PassStyle style = StyleFor(scheme);
     const double px = std::max(1.0, surface.dpiX / 96.0);  // one screen pixel on this surface
     const QRectF clip(-kClipMarginPx * px, -kClipMarginPx * px, surface.widthPx + 2 * kClipMarginPx * px,
                       surface.heightPx + 2 * kClipMarginPx * px);
@@ -278,7 +254,7 @@ void DrawPlottedPasses(const DrawSurface& surface, const CChartFrame& frame, con
     for (const PlottedPass& pass : passes.passes) {
         runsOfPass.push_back(ScreenRuns(frame, pass));
         const auto& runs = runsOfPass.back();
-        QPen pen(style.path, 1.6 * px, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+        QPen pen(palette.satellitePath, 1.6 * px, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
         painter.setPen(pen);
         painter.setBrush(Qt::NoBrush);
         for (const auto& run : runs) {
@@ -304,16 +280,15 @@ void DrawPlottedPasses(const DrawSurface& surface, const CChartFrame& frame, con
 
         // Direction of travel at the end of the pass, when that end is on the chart.
         if (!runs.empty() && runs.back().size() >= 2 && inside.contains(runs.back().back())) {
-            painter.setBrush(style.path);
+            painter.setBrush(palette.satellitePath);
             DrawArrowHead(painter, runs.back().back(), runs.back()[runs.back().size() - 2], 7.0 * px);
             painter.setBrush(Qt::NoBrush);
         }
     }
 
-    CLabelSpace space(2.0 * px);
     // Names first, beside the first point on the chart, on the left of travel.
     painter.setFont(nameFont);
-    painter.setPen(style.text);
+    painter.setPen(palette.satelliteText);
     for (std::size_t k = 0; k < passes.passes.size(); ++k) {
         for (const auto& run : runsOfPass[k]) {
             auto it = std::find_if(run.begin(), run.end(), [&](const QPointF& p) { return inside.contains(p); });
@@ -326,7 +301,7 @@ void DrawPlottedPasses(const DrawSurface& surface, const CChartFrame& frame, con
             const QString name = QString::fromStdString(passes.passes[k].satelliteName);
             QPointF baseline;
             const QRectF box = TextBesidePath(nameMetrics, *it, dy, -dx, tickPx + 2.0 * px, name, baseline);
-            if (space.Take(box)) painter.drawText(baseline, name);
+            if (TakeLabelPlace(labels, box, 2.0 * px)) painter.drawText(baseline, name);
             break;
         }
     }
@@ -341,7 +316,7 @@ void DrawPlottedPasses(const DrawSurface& surface, const CChartFrame& frame, con
             // The normal on the right-hand side of travel (pixel y grows downward).
             const double nx = -label.directionY, ny = label.directionX;
             if (!(std::hypot(at.x() - lastTick.x(), at.y() - lastTick.y()) < 5.0 * px)) {
-                painter.setPen(QPen(style.path, 1.2 * px));
+                painter.setPen(QPen(palette.satellitePath, 1.2 * px));
                 painter.drawLine(QPointF(at.x() - nx * tickPx, at.y() - ny * tickPx),
                                  QPointF(at.x() + nx * tickPx, at.y() + ny * tickPx));
                 lastTick = at;
@@ -349,12 +324,19 @@ void DrawPlottedPasses(const DrawSurface& surface, const CChartFrame& frame, con
             const QString text = QString::fromStdString(label.text);
             QPointF baseline;
             const QRectF box = TextBesidePath(metrics, at, nx, ny, tickPx + 2.0 * px, text, baseline);
-            if (!space.Take(box)) continue;
-            painter.setPen(style.text);
+            if (!TakeLabelPlace(labels, box, 2.0 * px)) continue;
+            painter.setPen(palette.satelliteText);
             painter.drawText(baseline, text);
         }
     }
     painter.restore();
 }
+
+void CPlottedPassLayer::Draw(DrawContext& ctx, LayerSlot)
+{
+    DrawPlottedPasses(ctx.surface, ctx.frame, ctx.palette, ctx.labels, m_passes);
+}
+
+void RegisterPlottedPassLayer(CChartLayerRegistry& layers) { layers.Add<CPlottedPassLayer>(); }
 
 }  // namespace orv::sat

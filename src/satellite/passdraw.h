@@ -14,15 +14,17 @@
 //     altitude and azimuth at the chart's time instead would misplace a
 //     pass an hour away from it by 15° along the equator.)
 //
-// The drawing uses Qt Gui only; the chart renderer calls DrawPlottedPasses
-// with the chart's surface and frame.
+// The drawing uses Qt Gui only. Each chart has its own pass layer
+// (CPlottedPassLayer) holding the passes it shows; it draws them with the
+// chart's palette and places their texts in the chart's label register.
 #pragma once
 
 #include <string>
 #include <vector>
 
+#include "map/chartlayer.h"
 #include "map/coordinates.h"
-#include "map/mapdraw.h"
+#include "map/drawcontext.h"
 
 namespace orv {
 class CChartFrame;
@@ -77,9 +79,28 @@ std::vector<PassLabel> PassLabels(const CChartFrame& frame, const PlottedPass& p
 
 // Draws every pass of `passes` through the chart's frame onto the surface:
 // the path clipped to the surface (never across the far side of the sky),
-// ticks and time labels, the name and the direction of travel. The frame's
-// coordinates must be set up for the surface.
-void DrawPlottedPasses(const DrawSurface& surface, const CChartFrame& frame, const PlottedPassList& passes,
-                       ColourScheme scheme = ColourScheme::Normal);
+// ticks and time labels, the name and the direction of travel, in the
+// palette's satellite colours; texts go only where `labels` has room. The
+// frame's coordinates must be set up for the surface.
+void DrawPlottedPasses(const DrawSurface& surface, const CChartFrame& frame, const ChartPalette& palette,
+                       CLabelPlacer& labels, const PlottedPassList& passes);
+
+// The chart layer of plotted passes (place 21 of the chart's order).
+class CPlottedPassLayer final : public IChartLayer {
+public:
+    std::span<const LayerSlot> Slots() const override { return kSlots; }
+    bool ShownAt(const CMapView&, int) const override { return !m_passes.passes.empty(); }
+    void Draw(DrawContext& ctx, LayerSlot slot) override;
+
+    void SetPasses(PlottedPassList passes) { m_passes = std::move(passes); }
+    void Clear() { m_passes.passes.clear(); }
+    const PlottedPassList& Passes() const { return m_passes; }
+
+private:
+    static constexpr LayerSlot kSlots[] = {LayerSlot::SatellitePasses};
+    PlottedPassList m_passes;
+};
+
+void RegisterPlottedPassLayer(CChartLayerRegistry& layers);
 
 }  // namespace orv::sat

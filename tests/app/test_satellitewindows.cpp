@@ -476,9 +476,13 @@ TEST(PassSheet, SelectedPassesArePlottedOnTheirMap)
     EXPECT_EQ(plotted.points.size(), sheet.Result().passes[0].points.size());
     EXPECT_NEAR_UNIT(sheet.Result().passes[0].points[0].jdUT, plotted.points[0].jdUT, 1e-6, kSecondsFromDays);
     EXPECT_EQ(map->PlottedPasses().labelIntervalSec, 60);
-    EXPECT_EQ(map->PlottedPassesToDraw(), &map->PlottedPasses());
+    // The chart's pass layer holds them and draws: on this map, not on the other.
+    const auto* mapLayer = map->Renderer().FindLayer<sat::CPlottedPassLayer>();
+    ASSERT_NE(mapLayer, nullptr);
+    EXPECT_EQ(&mapLayer->Passes(), &map->PlottedPasses());
+    EXPECT_TRUE(mapLayer->ShownAt(map->View(), map->View().Level()));
     EXPECT_TRUE(other->PlottedPasses().passes.empty());
-    EXPECT_EQ(other->PlottedPassesToDraw(), nullptr);
+    EXPECT_FALSE(other->Renderer().FindLayer<sat::CPlottedPassLayer>()->ShownAt(other->View(), 0));
 
     // No row chosen: every pass shown goes.
     view->clearSelection();

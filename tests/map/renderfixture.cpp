@@ -8,7 +8,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "catalog/stars/drawstars.h"
 #include "catalogbuild.h"
+#include "satellite/passdraw.h"
 #include "support/compare.h"
 #include "util/angles.h"
 
@@ -116,15 +118,31 @@ CSmallCatalogueChart::CSmallCatalogueChart(int widthPx, int heightPx) : m_width(
     m_view->SetLevel(3, CMapView::TakeField::Yes);
     m_view->coordinates.SetCentringMode(Centring::RaDec);
     m_view->coordinates.SetCentreRaDec(m_doc->observer, kCentreRaDeg * kRadPerDeg, kCentreDecDeg * kRadPerDeg);
-    m_catalogues = std::make_unique<CChartCatalogues>();
-    m_catalogues->Tycho();
-    m_renderer = std::make_unique<CChartRenderer>(*m_catalogues);
+    // The window's projection is set up for its size, as the map window does.
+    m_view->coordinates.SetupSurface(widthPx, heightPx);
+    m_components = std::make_unique<CTestChartComponents>();
+    m_components->stars->Get();
+    m_renderer = std::make_unique<CChartRenderer>(m_components->components);
 }
+
+CTestChartComponents::CTestChartComponents() : stars(std::make_shared<CStarCatalogueHandle>())
+{
+    RegisterMapLayers(components.layers);
+    RegisterStarCatalogue(components, stars);
+    sat::RegisterPlottedPassLayer(components.layers);
+}
+
+std::vector<VisibleStarRow> CSmallCatalogueChart::VisibleStars() const
+{
+    return VisibleStarRows(m_renderer->LastScene(), m_components->components.objects);
+}
+
+std::string CSmallCatalogueChart::VisibleStarsText() const { return VisibleStarsListing(VisibleStars()); }
 
 CSmallCatalogueChart::~CSmallCatalogueChart()
 {
     m_renderer.reset();
-    m_catalogues.reset();
+    m_components.reset();
     if (m_hadData)
         setenv("ORVANE_DATA", m_previousData.c_str(), 1);
     else

@@ -17,6 +17,7 @@
 #include <memory>
 #include <string>
 
+#include "catalog/stars/starsource.h"
 #include "map/mapdraw.h"
 #include "map/mapview.h"
 #include "util/settingsstore.h"
@@ -32,6 +33,15 @@ inline constexpr double kCentreRaDeg = 90.0, kCentreDecDeg = 0.0;
 inline constexpr double kEastRaDeg = 92.0;
 inline constexpr double kNorthDecDeg = 2.0;
 
+// The charts of the drawing tests, assembled as the program assembles its
+// own: the map's layers, the star catalogue (layer and source) and the
+// plotted satellite passes.
+struct CTestChartComponents {
+    CTestChartComponents();
+    std::shared_ptr<CStarCatalogueHandle> stars;
+    CChartComponents components;
+};
+
 class CSmallCatalogueChart {
 public:
     // A chart of `widthPx` × `heightPx` at level index 3 (8° from the centre
@@ -43,7 +53,10 @@ public:
     CMapView& View() { return *m_view; }
     CMapDoc& Doc() { return *m_doc; }
     CChartRenderer& Renderer() { return *m_renderer; }
-    CChartCatalogues& Catalogues() { return *m_catalogues; }
+    const CChartComponents& Components() const { return m_components->components; }
+    // The list of the stars of the last draw, and its text.
+    std::vector<VisibleStarRow> VisibleStars() const;
+    std::string VisibleStarsText() const;
     int Width() const { return m_width; }
     int Height() const { return m_height; }
 
@@ -60,7 +73,7 @@ private:
     CMemorySettingsStore m_store;
     std::unique_ptr<CMapDoc> m_doc;
     std::unique_ptr<CMapView> m_view;
-    std::unique_ptr<CChartCatalogues> m_catalogues;
+    std::unique_ptr<CTestChartComponents> m_components;
     std::unique_ptr<CChartRenderer> m_renderer;
 };
 

@@ -119,7 +119,7 @@ TEST(ExportPictures, OversizeBitmapFailsWithTheProgramsMessage)
     EXPECT_FALSE(fs::exists(path));
     // The window's chart is untouched: it still draws and identifies.
     chart.Render();
-    EXPECT_EQ(chart.Renderer().VisibleStars().size(), 4u);
+    EXPECT_EQ(chart.VisibleStars().size(), 4u);
 }
 
 TEST(ExportPictures, FailuresLeaveTheOldFile)

@@ -105,7 +105,7 @@ TEST(ChartPixels, CompassFollowsRotationAndFlips)
                 c.SetFlips(flipH, flipV);
                 c.SetRotation(rotationDeg * kRadPerDeg);
                 chart.Render();
-                const auto rows = chart.Renderer().VisibleStars();
+                const auto rows = chart.VisibleStars();
                 ASSERT_EQ(rows.size(), 4u);
                 const VisibleStarRow *centre = nullptr, *east = nullptr, *north = nullptr;
                 for (const auto& r : rows) {
@@ -181,23 +181,27 @@ TEST(ChartPixels, PlottedPassesAreDrawnWhereThePassWas)
     }
     list.passes.push_back(pass);
     RenderOptions withPass;
-    withPass.plottedPasses = &list;
+    auto* passLayer = chart.Renderer().FindLayer<sat::CPlottedPassLayer>();
+    ASSERT_NE(passLayer, nullptr);
 
     for (SurfaceKind kind : {SurfaceKind::RasterDisplay, SurfaceKind::Bitmap, SurfaceKind::Printer}) {
-        const QImage plain = chart.Render(kind);  // sets up the projection for the surface
+        passLayer->Clear();
+        const QImage plain = chart.Render(kind);
         const double cx = chart.View().coordinates.ScreenCentreX(), cy = chart.View().coordinates.ScreenCentreY();
         const int x = static_cast<int>(std::lround(cx));
         const int yPass = static_cast<int>(std::lround(cy + OffsetPx(chart, 1.0)));
         const int yClear = static_cast<int>(std::lround(cy + OffsetPx(chart, 0.5)));
+        passLayer->SetPasses(list);
         const QImage plotted = chart.Render(kind, withPass);
         int changed = 0;
         for (int y = yPass - 2; y <= yPass + 2; ++y) changed += plain.pixel(x, y) != plotted.pixel(x, y) ? 1 : 0;
         EXPECT_GT(changed, 0) << "surface " << static_cast<int>(kind);
         EXPECT_EQ(plain.pixel(x, yClear), plotted.pixel(x, yClear)) << "surface " << static_cast<int>(kind);
     }
-    const sat::PlottedPassList none;
-    withPass.plottedPasses = &none;
-    EXPECT_EQ(chart.Render(SurfaceKind::Bitmap, withPass), chart.Render(SurfaceKind::Bitmap));
+    passLayer->SetPasses(sat::PlottedPassList{});
+    const QImage none = chart.Render(SurfaceKind::Bitmap, withPass);
+    passLayer->Clear();
+    EXPECT_EQ(none, chart.Render(SurfaceKind::Bitmap));
 }
 
 // A layer whose level range excludes the current level draws nothing, and
@@ -337,7 +341,7 @@ TEST(ChartIdentify, DesignationRulesInOrder)
     // Proper names are off by default: the Bayer letter comes first.
     auto centre = chart.Renderer().Identify(cx + 2, cy - 1, 4.0);
     ASSERT_TRUE(centre);
-    EXPECT_EQ(centre->kind, IdentifiedObject::Kind::Star);
+    EXPECT_EQ(centre->type, ObjectType::Star);
     EXPECT_EQ(centre->designation, "alpha Ori");
     EXPECT_NE(centre->information.find("\nMag: 0.50"), std::string::npos) << centre->information;
     EXPECT_NE(centre->information.find("\nDistance: 548 ly"), std::string::npos) << centre->information;
@@ -391,7 +395,7 @@ TEST(ChartVisibleStars, RowsAndListing)
 {
     CSmallCatalogueChart chart;
     chart.Render();
-    const auto rows = chart.Renderer().VisibleStars();
+    const auto rows = chart.VisibleStars();
     ASSERT_EQ(rows.size(), 4u);
     EXPECT_EQ(rows[0].designation, "alpha Ori");  // brightest first
     EXPECT_EQ(rows[0].constellation, 59);          // Orion
@@ -400,7 +404,7 @@ TEST(ChartVisibleStars, RowsAndListing)
     EXPECT_EQ(rows[0].bvMilli, 1850);
     EXPECT_EQ(rows[3].magCenti, 400);
     EXPECT_TRUE(rows[3].isDouble);
-    const std::string text = chart.Renderer().VisibleStarsText();
+    const std::string text = chart.VisibleStarsText();
     EXPECT_EQ(text.rfind("Stars Visible on the Map\n\n", 0), 0u);
     EXPECT_NE(text.find("β Per"), std::string::npos);
     EXPECT_EQ(chart.Renderer().LastStats().starsDrawn, 4);
@@ -417,12 +421,12 @@ TEST(ChartVisibleStars, LevelLimitCutsTheList)
     chart.View().SetLevels(levels);
     chart.View().SetLevel(3, CMapView::TakeField::No);
     chart.Render();
-    EXPECT_EQ(chart.Renderer().VisibleStars().size(), 3u);  // the 4.00 star is out
+    EXPECT_EQ(chart.VisibleStars().size(), 3u);  // the 4.00 star is out
     levels[3].starMagLimit = 900;  // extended again: the list grows without a new region search
     chart.View().SetLevels(levels);
     chart.View().SetLevel(3, CMapView::TakeField::No);
     chart.Render();
-    EXPECT_EQ(chart.Renderer().VisibleStars().size(), 4u);
+    EXPECT_EQ(chart.VisibleStars().size(), 4u);
 }
 
 // ---------------------------------------------------------------- real data
@@ -438,15 +442,15 @@ class RealChart : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        m_catalogues = std::make_unique<CChartCatalogues>();
-        if (!m_catalogues->Tycho().IsOpen())
+        m_components = std::make_unique<orv::test::CTestChartComponents>();
+        if (!m_components->stars->Get().IsOpen())
             GTEST_SKIP() << "no built star catalogue in the data folder: run tools/fetch-sources.sh and "
                             "orvane-databuild, or set ORVANE_DATA";
         m_doc = std::make_unique<CMapDoc>(m_store);
         m_doc->observer.SetSite("test", 48.0 * kRadPerDeg, 11.0 * kRadPerDeg, 0.0);
         m_doc->observer.SetJulianDate(2451545.5);
         m_view = std::make_unique<CMapView>(*m_doc, m_store, CLevelTable());
-        m_renderer = std::make_unique<CChartRenderer>(*m_catalogues);
+        m_renderer = std::make_unique<CChartRenderer>(m_components->components);
     }
 
     // Draws a chart of level index `level` centred on (ra, dec) J2000.
@@ -455,6 +459,7 @@ protected:
         m_view->SetLevel(level, CMapView::TakeField::Yes);
         m_view->coordinates.SetCentringMode(Centring::RaDec);
         m_view->coordinates.SetCentreRaDec(m_doc->observer, raRad, decRad);
+        m_view->coordinates.SetupSurface(1920, 1080);
         QImage image(1920, 1080, QImage::Format_RGB32);
         QPainter painter(&image);
         m_renderer->Draw(DrawSurface{&painter, SurfaceKind::RasterDisplay, 1920, 1080, 96.0, 96.0}, *m_view, {});
@@ -469,7 +474,7 @@ protected:
     }
 
     CMemorySettingsStore m_store;
-    std::unique_ptr<CChartCatalogues> m_catalogues;
+    std::unique_ptr<orv::test::CTestChartComponents> m_components;
     std::unique_ptr<CMapDoc> m_doc;
     std::unique_ptr<CMapView> m_view;
     std::unique_ptr<CChartRenderer> m_renderer;

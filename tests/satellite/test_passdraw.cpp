@@ -114,7 +114,9 @@ QImage Draw(const Chart& chart, const PlottedPassList& passes)
     surface.kind = SurfaceKind::Bitmap;
     surface.widthPx = chart.width;
     surface.heightPx = chart.height;
-    DrawPlottedPasses(surface, *chart.frame, passes);
+    CLabelPlacer labels(chart.width, chart.height);
+    DrawPlottedPasses(surface, *chart.frame, MakePalette(ColourScheme::Normal, SurfaceKind::Bitmap, false), labels,
+                      passes);
     painter.end();
     return image;
 }

@@ -122,6 +122,8 @@ std::size_t GatherChartStars(const CTycho2Catalogue& catalogue, const CChartFram
         e.record = walk.RecordNumber();
         e.x = s.x;
         e.y = s.y;
+        e.raJ2000Rad = ra;
+        e.decJ2000Rad = dec;
         if (flags & flag::kProperName) {
             const std::string_view name = catalogue.ProperName(e.TychoId());
             std::memcpy(e.properName, name.data(), std::min(name.size(), sizeof e.properName - 1));

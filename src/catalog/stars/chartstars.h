@@ -37,6 +37,8 @@ struct TychoStarEntry {
     std::uint32_t record = 0;         // record number in "Tycho2.dat"
     double x = 0.0;                   // chart position, pixels
     double y = 0.0;
+    double raJ2000Rad = 0.0;          // place at the chart's date (space motion applied), J2000 equator
+    double decJ2000Rad = 0.0;
     char properName[tycho2::kNameMaxBytes + 1] = {};  // when entryflag::kProperName
 
     std::int64_t TychoId() const { return tycho2::TychoId(tyc1, tyc2, tyc3); }

@@ -1,7 +1,6 @@
 // The chart's star layer: gathering the Tycho-2 stars of the field, drawing
-// their discs, marks and labels, and remembering where each was drawn for
-// identification and the list of visible stars. Internal to the drawing
-// library.
+// their discs, marks and labels, and recording each star drawn in the
+// chart's scene for identification and the list of visible stars.
 #pragma once
 
 #include <QImage>
@@ -11,6 +10,8 @@
 #include <vector>
 
 #include "catalog/stars/chartstars.h"
+#include "catalog/stars/starsource.h"
+#include "map/chartlayer.h"
 #include "map/drawcontext.h"
 
 namespace orv {
@@ -50,27 +51,25 @@ struct RegionCircle {
     bool known = false;
 };
 
-// One star that landed on the surface.
+// One star that landed on the surface (within one draw).
 struct DrawnStar {
     std::uint32_t index = 0;  // into CChartStars::stars
     float x = 0.0f, y = 0.0f;
     std::uint16_t rx = 0, ry = 0;
 };
 
-// What the star layer keeps from one draw to the next (one per kind of use:
-// the window, and everything else, so exports never disturb the window's
-// list or its identification).
+// What the star layer keeps from one draw of its chart to the next: the
+// star list (reused while nothing that moves the stars changed, extended
+// when only the limit became fainter), the discs already rendered and the
+// regions' circles.
 struct StarLayerState {
     CChartStars chart;
     StarGatherKey key;
     int listLimitCenti = 0;  // the faintest magnitude the list holds
     bool valid = false;
-    std::vector<DrawnStar> drawn;
+    std::vector<DrawnStar> drawn;  // the last draw's stars, for its marks and labels
     CStarSprites sprites;
     std::vector<RegionCircle> regionCircles;  // by region, computed on first use
-    // How designations were written on the chart drawn last.
-    bool properNamesShown = false;
-    bool abbreviated = true;
 
     void Invalidate()
     {
@@ -81,6 +80,31 @@ struct StarLayerState {
     }
 };
 
-void DrawStars(DrawContext& ctx, const CTycho2Catalogue& catalogue, StarLayerState& state);
+// Draws the stars and records each in the context's scene under `source`.
+void DrawStars(DrawContext& ctx, const CTycho2Catalogue& catalogue, StarLayerState& state, SkySourceId source);
+
+// The star layer (place 11 of the chart's order).
+class CStarLayer final : public IChartLayer {
+public:
+    CStarLayer(std::shared_ptr<CStarCatalogueHandle> catalogue, SkySourceId source)
+        : m_catalogue(std::move(catalogue)), m_source(source)
+    {
+    }
+    std::span<const LayerSlot> Slots() const override { return kSlots; }
+    bool ShownAt(const CMapView& view, int) const override { return view.starState.shown; }
+    void Prepare(DrawContext& ctx) override;
+    void Draw(DrawContext& ctx, LayerSlot slot) override;
+    void Invalidate() override { m_state.Invalidate(); }
+
+private:
+    static constexpr LayerSlot kSlots[] = {LayerSlot::Stars};
+    std::shared_ptr<CStarCatalogueHandle> m_catalogue;
+    SkySourceId m_source;
+    StarLayerState m_state;
+};
+
+// Puts the Tycho-2 catalogue on a program's charts: its sky-object source
+// (find, identify, lists) and its chart layer.
+void RegisterStarCatalogue(CChartComponents& components, std::shared_ptr<CStarCatalogueHandle> catalogue);
 
 }  // namespace orv

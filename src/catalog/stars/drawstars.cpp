@@ -19,7 +19,7 @@
 
 #include "catalog/stars/crossindex.h"
 #include "catalog/stars/stardisplay.h"
-#include "map/drawstars.h"
+#include "catalog/stars/drawstars.h"
 #include "util/angles.h"
 #include "util/binaryio.h"
 
@@ -277,7 +277,7 @@ const CStarSprites::Sprite& CStarSprites::Get(int rx, int ry, QRgb colour, QRgb 
     return m_sprites.emplace(key, std::move(s)).first->second;
 }
 
-void DrawStars(DrawContext& ctx, const CTycho2Catalogue& catalogue, StarLayerState& st)
+void DrawStars(DrawContext& ctx, const CTycho2Catalogue& catalogue, StarLayerState& st, SkySourceId source)
 {
     st.drawn.clear();
     const StarLevelState& level = ctx.view.starState;
@@ -316,8 +316,8 @@ void DrawStars(DrawContext& ctx, const CTycho2Catalogue& catalogue, StarLayerSta
     }
     st.key = key;
     st.valid = true;
-    st.properNamesShown = level.properNames;
-    st.abbreviated = settings.labelAbbreviated != 0;
+    ctx.scene.SetSourceStyle(source, (level.properNames ? starstyle::kProperNames : 0u) |
+                                         (settings.labelAbbreviated != 0 ? starstyle::kAbbreviated : 0u));
     ctx.stats.starsGathered = static_cast<int>(st.chart.stars.size());
 
     // --- Sizes and colours. ---------------------------------------------------------
@@ -433,6 +433,25 @@ void DrawStars(DrawContext& ctx, const CTycho2Catalogue& catalogue, StarLayerSta
         }
     }
     ctx.stats.starsDrawn = static_cast<int>(st.drawn.size());
+
+    // --- What was drawn where, for identification and the lists. --------------------
+    ctx.scene.Reserve(st.drawn.size());
+    for (const DrawnStar& d : st.drawn) {
+        const TychoStarEntry& e = st.chart.stars[d.index];
+        SceneObject o;
+        o.raJ2000Rad = e.raJ2000Rad;
+        o.decJ2000Rad = e.decJ2000Rad;
+        o.xPx = d.x;
+        o.yPx = d.y;
+        o.radiusPx = std::max(d.rx, d.ry);
+        o.key = e.record;
+        o.magCenti = e.magCenti;
+        o.typeCode = static_cast<std::int16_t>((e.flags & entryflag::kVariable) ? ObjectType::VariableStar
+                                               : (e.flags & entryflag::kDouble) ? ObjectType::DoubleStar
+                                                                                : ObjectType::Star);
+        o.source = source;
+        ctx.scene.Add(o);
+    }
 
     // --- Marks for variable and double stars, proper-motion lines. ----------------
     const bool markVariables = settings.showVariables != 0, markDoubles = settings.showDoubles != 0;
@@ -588,6 +607,18 @@ void DrawStars(DrawContext& ctx, const CTycho2Catalogue& catalogue, StarLayerSta
             placeText(j, QString::fromStdString(DistanceLabel(static_cast<unsigned>(e.distanceLy))),
                       LabelSide::Secondary, ctx.palette.starLabel);
     }
+}
+
+// ------------------------------------------------------------------ layer
+
+void CStarLayer::Prepare(DrawContext& ctx) { ctx.stats.catalogueOpen = m_catalogue->Get().IsOpen(); }
+
+void CStarLayer::Draw(DrawContext& ctx, LayerSlot) { DrawStars(ctx, m_catalogue->Get(), m_state, m_source); }
+
+void RegisterStarCatalogue(CChartComponents& components, std::shared_ptr<CStarCatalogueHandle> catalogue)
+{
+    const SkySourceId source = components.objects.Register(std::make_shared<CStarObjectSource>(catalogue));
+    components.layers.Add<CStarLayer>(catalogue, source);
 }
 
 }  // namespace orv

@@ -1,0 +1,22 @@
+#include "cli/chartassembly.h"
+
+#include <memory>
+
+#include "catalog/stars/drawstars.h"
+#include "satellite/passdraw.h"
+
+namespace orv::cli {
+
+const CChartComponents& ChartComponents()
+{
+    static const CChartComponents components = [] {
+        CChartComponents c;
+        RegisterMapLayers(c.layers);
+        RegisterStarCatalogue(c, std::make_shared<CStarCatalogueHandle>());
+        sat::RegisterPlottedPassLayer(c.layers);
+        return c;
+    }();
+    return components;
+}
+
+}  // namespace orv::cli

@@ -1,0 +1,66 @@
+// The layers of the map itself: the four coordinate grids, the search
+// target marker, the scale line and the compass. Each is a small class over
+// its drawing function; RegisterMapLayers is what a program calls to have
+// them on its charts.
+#include "map/chartlayer.h"
+#include "map/drawcontext.h"
+
+namespace orv {
+
+namespace {
+
+// The altitude-azimuth grid draws twice: its lines first of all (with the
+// ground below the horizon), then its lines again with their labels over
+// the equatorial grid. It is traced once per draw and kept between the two.
+class CAltAzGridLayer final : public IChartLayer {
+public:
+    std::span<const LayerSlot> Slots() const override { return kSlots; }
+    void Draw(DrawContext& ctx, LayerSlot slot) override
+    {
+        if (slot == LayerSlot::AltAzGridLines)
+            DrawAltAzGridFirstPass(ctx, m_traced);
+        else
+            DrawAltAzGridSecondPass(ctx, m_traced);
+    }
+
+private:
+    static constexpr LayerSlot kSlots[] = {LayerSlot::AltAzGridLines, LayerSlot::AltAzGridLabels};
+    std::shared_ptr<GridLines> m_traced;
+};
+
+// A layer that draws in one place with one function.
+template <LayerSlot Slot, void (*DrawFn)(DrawContext&), void (*PrepareFn)(DrawContext&) = nullptr>
+class CSimpleLayer final : public IChartLayer {
+public:
+    std::span<const LayerSlot> Slots() const override { return kSlots; }
+    void Prepare(DrawContext& ctx) override
+    {
+        if constexpr (PrepareFn != nullptr) PrepareFn(ctx);
+    }
+    void Draw(DrawContext& ctx, LayerSlot) override { DrawFn(ctx); }
+
+private:
+    static constexpr LayerSlot kSlots[] = {Slot};
+};
+
+using CEquatorialGridLayer = CSimpleLayer<LayerSlot::RaDecGrid, DrawEquatorialGrid>;
+using CEclipticGridLayer = CSimpleLayer<LayerSlot::EclipticGrid, DrawEclipticGrid>;
+using CGalacticGridLayer = CSimpleLayer<LayerSlot::GalacticGrid, DrawGalacticGrid>;
+using CSearchTargetLayer = CSimpleLayer<LayerSlot::SearchTarget, DrawSearchTarget>;
+using CScaleLineLayer = CSimpleLayer<LayerSlot::ScaleLine, DrawScaleLine, ReserveScaleLineArea>;
+using CCompassLayer = CSimpleLayer<LayerSlot::Compass, DrawCompass, ReserveCompassArea>;
+
+}  // namespace
+
+void RegisterMapLayers(CChartLayerRegistry& layers)
+{
+    layers.Add<CAltAzGridLayer>();
+    layers.Add<CEquatorialGridLayer>();
+    layers.Add<CEclipticGridLayer>();
+    layers.Add<CGalacticGridLayer>();
+    layers.Add<CSearchTargetLayer>();
+    layers.Add<CScaleLineLayer>();
+    layers.Add<CCompassLayer>();
+}
+
+}  // namespace orv
