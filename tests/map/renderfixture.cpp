@@ -69,7 +69,7 @@ std::string BuildSmallCatalogue()
     };
     stars[0].bvMilli = 1850;
     db::HipData hip;
-    hip.properNames[27989] = "Centrum";
+    hip.properNames[27989] = {"Centrum"};
     db::StarProperty ori;
     db::ParseBayerFlamsteed("α_Ori", ori);
     db::ParseBayerFlamsteed("58_Ori", ori);
@@ -78,16 +78,15 @@ std::string BuildSmallCatalogue()
     db::VariableStar algol;
     std::string error;
     db::ParseGcvsLine("14576\tβ Per\tEA/SD\t2.12\t0\t3.39\t\tV\t45641.5135\t2.8673043\t14\tB8V", algol, error);
-    hip.variables[14576] = algol;
+    hip.variables[14576] = {algol};
     hip.doubles[36850] = db::DoubleDesignation{"Σ", 1110};
 
     db::Catalogue cat;
     if (!db::AssembleCatalogue(stars, index, cat, error)) ADD_FAILURE() << error;
-    db::OutputFiles files;
     db::CrossReport report;
-    db::BuildFiles(cat, hip, files, report);
-    for (const auto& [name, bytes] : files.files) {
-        const fs::path p = fs::path(dir) / name;
+    for (const db::OutputFile& f : db::BuildStarFiles(cat, hip, report)) {
+        const auto& bytes = f.bytes;
+        const fs::path p = fs::path(dir) / f.path;
         fs::create_directories(p.parent_path());
         std::ofstream(p, std::ios::binary)
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));

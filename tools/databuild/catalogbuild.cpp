@@ -69,6 +69,8 @@ void ReportLinks(const CrossReport& report, const Progress& progress)
                  std::to_string(report.unmatchedHip));
 }
 
+}  // namespace
+
 // Every output file, in the order they are written.
 std::vector<OutputFile> WriteAll(const Catalogue& catalogue, StarTables tables)
 {
@@ -84,6 +86,15 @@ std::vector<OutputFile> WriteAll(const Catalogue& catalogue, StarTables tables)
     files.push_back(WriteVariableStars(std::move(tables.variables)));
     return files;
 }
+
+std::vector<OutputFile> BuildStarFiles(Catalogue& catalogue, const HipData& hip, CrossReport& report)
+{
+    StarTables tables;
+    LinkHipparcosLists(catalogue, hip, tables, report);
+    return WriteAll(catalogue, std::move(tables));
+}
+
+namespace {
 
 bool Store(const std::string& outputDir, const OutputFile& file, const Progress& progress, std::string& error)
 {

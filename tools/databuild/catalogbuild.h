@@ -17,6 +17,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "common/progress.h"
 #include "common/sky.h"
@@ -30,6 +31,7 @@
 #include "sources/starnamereader.h"
 #include "sources/tycho2reader.h"
 #include "sources/wdsreader.h"
+#include "writers/outputfile.h"
 
 namespace orv::databuild {
 
@@ -45,5 +47,11 @@ struct BuildOptions {
 // `error`; a source that cannot be read stops the build before any file is
 // replaced.
 bool RunBuild(const BuildOptions& options, const Progress& progress, std::string& error);
+
+// The star catalogue's files from an assembled catalogue and the Hipparcos
+// lists (the lists are attached to their stars first), in the order they
+// are written. Used by the tests to build small catalogues.
+std::vector<OutputFile> WriteAll(const Catalogue& catalogue, StarTables tables);
+std::vector<OutputFile> BuildStarFiles(Catalogue& catalogue, const HipData& hip, CrossReport& report);
 
 }  // namespace orv::databuild

@@ -62,8 +62,8 @@ protected:
         };
         db::HipData hip;
         hip.crossIds = {{32349, 0, 151881, 48915, 2491}, {91262, 0, 67174, 172167, 7001}};
-        hip.properNames[32349] = "Sirius";
-        hip.properNames[91262] = "Vega";
+        hip.properNames[32349] = {"Sirius"};
+        hip.properNames[91262] = {"Vega"};
         db::StarProperty cma;
         ASSERT_TRUE(db::ParseBayerFlamsteed("α_CMa", cma));
         ASSERT_TRUE(db::ParseBayerFlamsteed("9_CMa", cma));
@@ -75,16 +75,14 @@ protected:
         std::string error;
         ASSERT_TRUE(db::ParseGcvsLine("14576\tβ Per\tEA/SD\t2.12\t0\t3.39\t\tV\t45641.5135\t2.8673043\t14\tB8V", algol,
                                       error));
-        hip.variables[14576] = algol;
+        hip.variables[14576] = {algol};
         hip.doubles[36850] = db::DoubleDesignation{"Σ", 1110};
         hip.parallaxMas[32349] = 379.21f;
 
         db::Catalogue cat;
         ASSERT_TRUE(db::AssembleCatalogue(stars, index, cat, error)) << error;
-        db::OutputFiles files;
         db::CrossReport report;
-        db::BuildFiles(cat, hip, files, report);
-        for (const auto& [name, bytes] : files.files) Write(name, bytes);
+        for (const db::OutputFile& f : db::BuildStarFiles(cat, hip, report)) Write(f.path, f.bytes);
         if (const char* old = std::getenv("ORVANE_DATA")) m_oldData = old;
         setenv("ORVANE_DATA", m_dir.c_str(), 1);
     }
