@@ -5,6 +5,7 @@
 #include <cmath>
 #include <iostream>
 
+#include "catalog/stars/starsource.h"
 #include "cli/chartassembly.h"
 #include "cli/cli.h"
 #include "cli/mapoptions.h"
@@ -161,7 +162,8 @@ int Render(Context& ctx)
         o["centreRaJ2000Deg"] = view.coordinates.CentreRaJ2000Rad() / kRadPerDeg;
         o["centreDecJ2000Deg"] = view.coordinates.CentreDecJ2000Rad() / kRadPerDeg;
         o["jdUT"] = doc.observer.JulianDate();
-        o["starCatalogue"] = stats.catalogueOpen;
+        o["starCatalogue"] = ChartComponents().objects.SourceOf<CStarObjectSource>() != nullptr &&
+                             ChartComponents().objects.SourceOf<CStarObjectSource>()->Available();
         o["starsDrawn"] = stats.starsDrawn;
         o["labelsDrawn"] = stats.labelsDrawn;
         PrintJson(ctx.out, o);
@@ -169,7 +171,8 @@ int Render(Context& ctx)
         ctx.out << "wrote " << result.path << " (" << result.format << ", " << result.widthPx << " x "
                 << result.heightPx << " pixels, level " << view.Level() + 1 << ", " << stats.starsDrawn
                 << " stars)\n";
-        if (!stats.catalogueOpen)
+        const auto* stars = ChartComponents().objects.SourceOf<CStarObjectSource>();
+        if (stars == nullptr || !stars->Available())
             ctx.out << "note: no star catalogue in the data folder " << GetDataPath() << "; the chart has no stars\n";
     }
     return 0;

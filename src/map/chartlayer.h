@@ -71,9 +71,10 @@ public:
     // the view's current level (the view's level state says, as the level
     // table and the layer's settings decide). Such a layer is not called.
     virtual bool ShownAt(const CMapView& /*view*/, int /*level*/) const { return true; }
-    // Called for every shown layer before any layer draws: a layer that
-    // will draw in a fixed place (the scale line, the compass) takes it in
-    // the context's label register, so that no label goes there.
+    // Called for every shown layer, in the chart's order, before any layer
+    // draws: a layer that will draw in a fixed place (the scale line, the
+    // compass) takes it in the context's label register, so that no label
+    // goes there.
     virtual void Prepare(DrawContext& /*ctx*/) {}
     // Draws the layer's part of the chart at `slot`.
     virtual void Draw(DrawContext& ctx, LayerSlot slot) = 0;

@@ -88,7 +88,7 @@ struct RenderStats {
     int starsDrawn = 0;      // stars that landed on the surface
     int labelsDrawn = 0;     // star and grid labels placed
     int labelsDropped = 0;   // labels left out because no free place was found
-    bool catalogueOpen = false;
+    bool catalogueOpen = false;  // the star catalogue was open (when stars were shown)
 };
 
 // One renderer per chart: its own instances of the registered layers (which
