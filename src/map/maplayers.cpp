@@ -4,6 +4,7 @@
 // them on its charts.
 #include "map/chartlayer.h"
 #include "map/drawcontext.h"
+#include "map/mapview.h"
 
 namespace orv {
 
@@ -28,7 +29,21 @@ private:
     std::shared_ptr<GridLines> m_traced;
 };
 
-// A layer that draws in one place with one function.
+// The ecliptic grid, written out in full as the model of a layer: its place
+// in the chart's order, its level range test (the view keeps the grid's
+// state at the current level: 2 solid lines, 1 faint ones, 0 none) and its
+// drawing.
+class CEclipticGridLayer final : public IChartLayer {
+public:
+    std::span<const LayerSlot> Slots() const override { return kSlots; }
+    bool ShownAt(const CMapView& view, int) const override { return view.eclipticGrid.state > 0; }
+    void Draw(DrawContext& ctx, LayerSlot) override { DrawEclipticGrid(ctx); }
+
+private:
+    static constexpr LayerSlot kSlots[] = {LayerSlot::EclipticGrid};
+};
+
+// The other layers of the map draw in one place with one function each.
 template <LayerSlot Slot, void (*DrawFn)(DrawContext&), void (*PrepareFn)(DrawContext&) = nullptr>
 class CSimpleLayer final : public IChartLayer {
 public:
@@ -44,7 +59,6 @@ private:
 };
 
 using CEquatorialGridLayer = CSimpleLayer<LayerSlot::RaDecGrid, DrawEquatorialGrid>;
-using CEclipticGridLayer = CSimpleLayer<LayerSlot::EclipticGrid, DrawEclipticGrid>;
 using CGalacticGridLayer = CSimpleLayer<LayerSlot::GalacticGrid, DrawGalacticGrid>;
 using CSearchTargetLayer = CSimpleLayer<LayerSlot::SearchTarget, DrawSearchTarget>;
 using CScaleLineLayer = CSimpleLayer<LayerSlot::ScaleLine, DrawScaleLine, ReserveScaleLineArea>;

@@ -219,3 +219,41 @@ TEST(ChartLayers, StarsAreFoundByEveryDesignation)
     EXPECT_NE(none.message.find("Tycho-2 stars (proper names, Bayer and Flamsteed designations"), std::string::npos);
     EXPECT_EQ(objects.CompletionNames(), std::vector<std::string>{"Centrum"});
 }
+
+// The ecliptic grid layer, the model of a layer: on a chart centred on the
+// summer solstice point (RA 6h, δ +23°26′, the ecliptic's northernmost
+// point, where it runs along the parallel) its line crosses the centre of
+// the chart when the level shows the grid, and nothing is drawn otherwise.
+TEST(ChartLayers, EclipticGridLayerDrawsWhereTheEclipticIs)
+{
+    CSmallCatalogueChart chart;
+    CMapView& v = chart.View();
+    v.raDecGrid.visible = v.altAzGrid.visible = v.galacticGrid.visible = 0;
+    v.altAzGrid.solidHorizonLevels = {-1, -1};
+    v.scaleLine.visible = v.compass.visible = 0;
+    v.coordinates.SetCentreRaDec(chart.Doc().observer, 90.0 * kRadPerDeg, 23.4393 * kRadPerDeg);
+    v.eclipticGrid.visible = 1;
+    v.eclipticGrid.first = {0, 9};
+    v.SetLevel(3, CMapView::TakeField::No);
+    ASSERT_GT(v.eclipticGrid.state, 0);
+    const QImage with = chart.Render();
+    v.eclipticGrid.first = {6, 9};  // not at level index 3
+    v.eclipticGrid.second = {-1, -1};
+    v.SetLevel(3, CMapView::TakeField::No);
+    ASSERT_EQ(v.eclipticGrid.state, 0);
+    const QImage without = chart.Render();
+    v.eclipticGrid.visible = 0;
+    v.SetLevel(3, CMapView::TakeField::No);
+    EXPECT_EQ(without, chart.Render());  // out of its levels the layer drew nothing
+    // The ecliptic at the chart's date (J2000.0, nutation within 10″ = 0.1
+    // pixel here) runs through the centre, along the rows: pixels within 2
+    // rows of the centre change over the whole width looked at.
+    const int cx = v.coordinates.ScreenCentreX(), cy = v.coordinates.ScreenCentreY();
+    int columnsCrossed = 0;
+    for (int x = cx - 100; x <= cx + 100; ++x) {
+        bool crossed = false;
+        for (int dy = -2; dy <= 2; ++dy) crossed = crossed || with.pixel(x, cy + dy) != without.pixel(x, cy + dy);
+        columnsCrossed += crossed ? 1 : 0;
+    }
+    EXPECT_GT(columnsCrossed, 190);
+}
