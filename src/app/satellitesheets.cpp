@@ -196,7 +196,7 @@ CSatelliteTablePanel::CSatelliteTablePanel(CAppContext& app, Kind kind, QWidget*
 int CSatelliteTablePanel::DefaultWidth(int column) const
 {
     const QFontMetrics fm = m_view->fontMetrics();
-    const std::string& heading = m_table.headings[static_cast<std::size_t>(column)];
+    const std::string& heading = m_table.columns[static_cast<std::size_t>(column)].heading;
     const int headingWidth = fm.horizontalAdvance(ToQ(heading)) + 28;
     QString sample;
     if (HeadingStarts(heading, "Time"))
@@ -223,7 +223,7 @@ int CSatelliteTablePanel::DefaultWidth(int column) const
         int widest = 0;
         for (const auto& row : m_table.rows)
             if (static_cast<std::size_t>(column) < row.cells.size())
-                widest = std::max(widest, fm.horizontalAdvance(ToQ(row.cells[static_cast<std::size_t>(column)])));
+                widest = std::max(widest, fm.horizontalAdvance(ToQ(row.cells[static_cast<std::size_t>(column)].text)));
         return std::clamp(widest + 20, headingWidth, 260);
     }
     return std::max(fm.horizontalAdvance(sample) + 12, headingWidth);
@@ -234,15 +234,15 @@ void CSatelliteTablePanel::SetTable(sat::SatelliteTable table, const std::map<in
     m_table = std::move(table);
     m_title->setText(ToQ(m_table.title));
     m_view->clear();
-    const int columns = static_cast<int>(m_table.headings.size());
+    const int columns = static_cast<int>(m_table.columns.size());
     m_view->setColumnCount(columns);
     m_view->setRowCount(static_cast<int>(m_table.rows.size()));
     QStringList headings;
-    for (const auto& h : m_table.headings) headings << ToQ(h);
+    for (const auto& h : m_table.columns) headings << ToQ(h.heading);
     m_view->setHorizontalHeaderLabels(headings);
     std::vector<bool> numeric(static_cast<std::size_t>(columns));
     for (int c = 0; c < columns; ++c) {
-        const std::string& h = m_table.headings[static_cast<std::size_t>(c)];
+        const std::string& h = m_table.columns[static_cast<std::size_t>(c)].heading;
         numeric[static_cast<std::size_t>(c)] = HeadingStarts(h, "Altitude") || HeadingStarts(h, "Azimuth") ||
                                                HeadingStarts(h, "Range") || HeadingStarts(h, "Rate") ||
                                                HeadingStarts(h, "Height") || HeadingStarts(h, "Speed");
@@ -251,7 +251,7 @@ void CSatelliteTablePanel::SetTable(sat::SatelliteTable table, const std::map<in
         const auto& cells = m_table.rows[static_cast<std::size_t>(r)].cells;
         for (int c = 0; c < columns; ++c) {
             auto* item = new QTableWidgetItem(static_cast<std::size_t>(c) < cells.size()
-                                                  ? ToQ(cells[static_cast<std::size_t>(c)])
+                                                  ? ToQ(cells[static_cast<std::size_t>(c)].text)
                                                   : QString());
             if (numeric[static_cast<std::size_t>(c)]) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
             if (cells.empty()) item->setFlags(Qt::NoItemFlags);  // the blank row between passes
@@ -261,7 +261,7 @@ void CSatelliteTablePanel::SetTable(sat::SatelliteTable table, const std::map<in
     // Pass tables of one satellite lack the leading Satellite column of the
     // all-satellite table: their columns are stored under the same numbers
     // as in that table, so one layout serves both.
-    const int keyOffset = m_kind == Kind::Passes && !(columns > 0 && m_table.headings.front() == "Satellite") ? 1 : 0;
+    const int keyOffset = m_kind == Kind::Passes && !(columns > 0 && m_table.columns.front().heading == "Satellite") ? 1 : 0;
     QHeaderView* header = m_view->horizontalHeader();
     for (int c = 0; c < columns; ++c) header->moveSection(header->visualIndex(c), c);
     std::vector<std::pair<int, int>> order;  // (position, column)
@@ -280,7 +280,7 @@ void CSatelliteTablePanel::StoreLayouts(std::map<int, std::pair<int, int>>& layo
 {
     const int columns = m_view->columnCount();
     if (columns == 0) return;
-    const int keyOffset = m_kind == Kind::Passes && m_table.headings.front() != "Satellite" ? 1 : 0;
+    const int keyOffset = m_kind == Kind::Passes && m_table.columns.front().heading != "Satellite" ? 1 : 0;
     const QHeaderView* header = m_view->horizontalHeader();
     for (int c = 0; c < columns; ++c) layouts[c + keyOffset] = {m_view->columnWidth(c), header->visualIndex(c) + keyOffset};
 }

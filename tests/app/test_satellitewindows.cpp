@@ -124,9 +124,9 @@ QString CellText(const QTableWidget* view, int row, int column)
 void ExpectSameTable(const QTableWidget* view, const sat::SatelliteTable& table)
 {
     ASSERT_EQ(view->rowCount(), static_cast<int>(table.rows.size()));
-    ASSERT_EQ(view->columnCount(), static_cast<int>(table.headings.size()));
+    ASSERT_EQ(view->columnCount(), static_cast<int>(table.columns.size()));
     for (int c = 0; c < view->columnCount(); ++c)
-        EXPECT_EQ(view->horizontalHeaderItem(c)->text().toStdString(), table.headings[static_cast<std::size_t>(c)]);
+        EXPECT_EQ(view->horizontalHeaderItem(c)->text().toStdString(), table.columns[static_cast<std::size_t>(c)].heading);
     for (int r = 0; r < view->rowCount(); ++r) {
         const auto& cells = table.rows[static_cast<std::size_t>(r)].cells;
         for (int c = 0; c < view->columnCount(); ++c)
