@@ -146,9 +146,9 @@ QJsonObject DescribeMap(const CMapView& view)
                                      {"LASTHours", obs.LAST()}};
 
     blocks["Coordinates"] = QJsonObject{
-        {"CentreRAJ2000", Str(FormatHms(c.CentreRaJ2000Rad(), 2))},
+        {"CentreRaJ2000", Str(FormatHms(c.CentreRaJ2000Rad(), 2))},
         {"CentreDecJ2000", Str(FormatDms(c.CentreDecJ2000Rad(), 1, true))},
-        {"CentreRAJ2000Deg", c.CentreRaJ2000Rad() * kDegPerRad},
+        {"CentreRaJ2000Deg", c.CentreRaJ2000Rad() * kDegPerRad},
         {"CentreDecJ2000Deg", c.CentreDecJ2000Rad() * kDegPerRad},
         {"CentreAltDeg", c.CentreAltRad() * kDegPerRad},
         {"CentreAzDeg", c.CentreAzRad() * kDegPerRad},
