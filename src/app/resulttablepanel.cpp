@@ -269,28 +269,29 @@ bool CResultTablePanel::SaveDataTableTo(const QString& path)
     return true;
 }
 
+QString CResultTablePanel::AskSavePath(const QString& caption, const char* folderKey, const char* extension,
+                                       const char* filter)
+{
+    const QString folder = m_app.RememberedFolder(folderKey);
+    const QString file = m_reportName + QLatin1String(extension);
+    const QString path = QFileDialog::getSaveFileName(this, caption,
+                                                      folder.isEmpty() ? file : folder + QLatin1Char('/') + file,
+                                                      QtFileFilter(filter));
+    if (!path.isEmpty()) m_app.RememberFolder(folderKey, path);
+    return path;
+}
+
 void CResultTablePanel::Save()
 {
-    const QString folder = m_app.RememberedFolder(kReportsFolderKey);
-    const QString file = m_reportName + QStringLiteral(".txt");
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save Table"),
-                                                      folder.isEmpty() ? file : folder + QLatin1Char('/') + file,
-                                                      QtFileFilter(kReportFilter));
-    if (path.isEmpty()) return;
-    m_app.RememberFolder(kReportsFolderKey, path);
-    SaveTo(path);
+    if (const QString path = AskSavePath(tr("Save Table"), kReportsFolderKey, ".txt", kReportFilter); !path.isEmpty())
+        SaveTo(path);
 }
 
 void CResultTablePanel::SaveDataTable()
 {
-    const QString folder = m_app.RememberedFolder(kTablesFolderKey);
-    const QString file = m_reportName + QStringLiteral(".tbl");
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save as Data Table"),
-                                                      folder.isEmpty() ? file : folder + QLatin1Char('/') + file,
-                                                      QtFileFilter(kDataTableFilter));
-    if (path.isEmpty()) return;
-    m_app.RememberFolder(kTablesFolderKey, path);
-    SaveDataTableTo(path);
+    if (const QString path = AskSavePath(tr("Save as Data Table"), kTablesFolderKey, ".tbl", kDataTableFilter);
+        !path.isEmpty())
+        SaveDataTableTo(path);
 }
 
 void CResultTablePanel::Copy()

@@ -122,6 +122,8 @@ signals:
 
 private:
     int DefaultWidth(int column) const;
+    // The save dialog, in the folder remembered under `folderKey` of "Paths".
+    QString AskSavePath(const QString& caption, const char* folderKey, const char* extension, const char* filter);
 
     CAppContext& m_app;
     Sorting m_sorting;

@@ -13,8 +13,6 @@
 #include <QTimer>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <tuple>
 
 #include "app/appcontext.h"
@@ -25,13 +23,7 @@
 namespace orv {
 namespace {
 
-std::string ReadAll(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
+using orv::test::ReadFileBytes;
 
 // Magnitudes whose text order (−1.46, 0.03, 10.2, 9.5) is not their order.
 ResultTable Magnitudes()
@@ -66,9 +58,9 @@ TEST(ResultTablePanel, HeadingSortsByValueAndSavesFollowTheOrderShown)
 
     const std::string report = f.dir + "/stars.txt", table = f.dir + "/stars.tbl";
     ASSERT_TRUE(f.panel.SaveTo(QString::fromStdString(report)));
-    EXPECT_EQ(ReadAll(report), "Stars\n\nSirius\t-1.46\nVega\t0.03\nmedium\t9.50\nfaint\t10.20\n");
+    EXPECT_EQ(ReadFileBytes(report), "Stars\n\nSirius\t-1.46\nVega\t0.03\nmedium\t9.50\nfaint\t10.20\n");
     ASSERT_TRUE(f.panel.SaveDataTableTo(QString::fromStdString(table)));
-    EXPECT_NE(ReadAll(table).find("Sirius\t-1.46\nVega\t0.03\nmedium\t9.50\nfaint\t10.20\nEND\n"), std::string::npos);
+    EXPECT_NE(ReadFileBytes(table).find("Sirius\t-1.46\nVega\t0.03\nmedium\t9.50\nfaint\t10.20\nEND\n"), std::string::npos);
     f.panel.Copy();
     EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(),
               "Stars\r\n\r\nSirius\t-1.46\r\nVega\t0.03\r\nmedium\t9.50\r\nfaint\t10.20\r\n");

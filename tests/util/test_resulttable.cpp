@@ -6,30 +6,15 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
-#include <sstream>
 
+#include "support/compare.h"
 #include "util/resulttable.h"
 
 namespace orv {
 namespace {
 
-std::string ReadAll(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
+using orv::test::ReadFileBytes;
 
-std::string TempDir()
-{
-    const auto dir = std::filesystem::temp_directory_path() /
-                     ("orvane-resulttable-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "-" +
-                      ::testing::UnitTest::GetInstance()->current_test_info()->name());
-    std::filesystem::remove_all(dir);
-    std::filesystem::create_directories(dir);
-    return dir.string();
-}
 
 // Two events of a phenomena-style table: a date column, a number column and
 // a text column, with a separator row between them.
@@ -122,14 +107,14 @@ TEST(ResultReport, DataTableForm)
 
 TEST(ResultReport, SavesReplaceAtomicallyAndNameTheFileOnFailure)
 {
-    const std::string dir = TempDir();
+    const std::string dir = orv::test::MakeTempDir();
     const ResultTable t = EventTable();
     const std::string report = dir + "/events.txt", data = dir + "/events.tbl";
     std::ofstream(report) << "an older report, longer than the new one ..........................................";
     EXPECT_FALSE(SaveReport(t, report).has_value());
-    EXPECT_EQ(ReadAll(report), ReportText(t, LineEnding::Lf));
+    EXPECT_EQ(ReadFileBytes(report), ReportText(t, LineEnding::Lf));
     EXPECT_FALSE(SaveDataTable(t, data).has_value());
-    EXPECT_EQ(ReadAll(data), DataTableText(t));
+    EXPECT_EQ(ReadFileBytes(data), DataTableText(t));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir), std::filesystem::directory_iterator{}), 2)
         << "no temporary file is left behind";
 
