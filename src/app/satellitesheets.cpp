@@ -19,12 +19,10 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPainter>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QTabWidget>
-#include <QTableWidget>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -42,9 +40,6 @@ namespace orv {
 namespace {
 
 QString ToQ(const std::string& s) { return QString::fromStdString(s); }
-
-// The filter of the report dialogs.
-constexpr const char* kReportFilter = "Text Files (*.txt)|*.txt|All Files (*.*)|*.*||";
 
 // "UT+1", "UT−5", "UT+5:30": the offset of the site's civil time.
 QString OffsetText(double hours)
@@ -121,8 +116,6 @@ QWidget* EpochAgeRow(QWidget* parent, sat::CEarthSatSettings& settings, const st
     return Row(parent, {warn, days, new QLabel(QObject::tr("days from the epoch of the elements"), parent)});
 }
 
-bool HeadingStarts(const std::string& heading, const char* word) { return heading.rfind(word, 0) == 0; }
-
 // "1 pass", "3 passes".
 QString Count(int n, const char* one, const char* many)
 {
@@ -151,165 +144,9 @@ std::vector<int> PassTableRowOwners(const sat::PassSearchResult& result, const s
     return owners;
 }
 
-// ------------------------------------------------------------------ table panel
-
-CSatelliteTablePanel::CSatelliteTablePanel(CAppContext& app, Kind kind, QWidget* parent)
-    : QWidget(parent), m_app(app), m_kind(kind)
+int PassColumnKeyOffset(const sat::SatelliteTable& table)
 {
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    m_title = new QLabel(this);
-    QFont bold = m_title->font();
-    bold.setBold(true);
-    m_title->setFont(bold);
-    m_title->setWordWrap(true);
-    m_title->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    layout->addWidget(m_title);
-
-    m_view = new QTableWidget(this);
-    m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_view->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_view->setSelectionMode(kind == Kind::Passes ? QAbstractItemView::ExtendedSelection
-                                                  : QAbstractItemView::SingleSelection);
-    m_view->verticalHeader()->setVisible(false);
-    m_view->verticalHeader()->setDefaultSectionSize(m_view->fontMetrics().height() + 6);
-    m_view->horizontalHeader()->setSectionsMovable(true);
-    m_view->horizontalHeader()->setHighlightSections(false);
-    m_view->horizontalHeader()->setStretchLastSection(true);
-    m_view->setWordWrap(false);
-    m_view->setShowGrid(false);
-    m_view->setAlternatingRowColors(true);
-    layout->addWidget(m_view, 1);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->setObjectName(QStringLiteral("TableButtons"));
-    buttons->addStretch(1);
-    m_save = new QPushButton(tr("&Save..."), this);
-    m_copy = new QPushButton(tr("&Copy"), this);
-    buttons->addWidget(m_save);
-    buttons->addWidget(m_copy);
-    layout->addLayout(buttons);
-    connect(m_save, &QPushButton::clicked, this, &CSatelliteTablePanel::Save);
-    connect(m_copy, &QPushButton::clicked, this, &CSatelliteTablePanel::Copy);
-}
-
-int CSatelliteTablePanel::DefaultWidth(int column) const
-{
-    const QFontMetrics fm = m_view->fontMetrics();
-    const std::string& heading = m_table.headings[static_cast<std::size_t>(column)];
-    const int headingWidth = fm.horizontalAdvance(ToQ(heading)) + 28;
-    QString sample;
-    if (HeadingStarts(heading, "Time"))
-        sample = m_kind == Kind::Passes ? QStringLiteral("00 May 0000 00:00:00  ") : QStringLiteral("00 May 0000 00:00  ");
-    else if (HeadingStarts(heading, "Altitude"))
-        sample = QStringLiteral("99.9°  ");
-    else if (HeadingStarts(heading, "Azimuth"))
-        sample = QStringLiteral("999.9°  ");
-    else if (HeadingStarts(heading, "Range"))
-        sample = QStringLiteral("Range");
-    else if (HeadingStarts(heading, "Rate"))
-        sample = QStringLiteral("Rate");
-    else if (HeadingStarts(heading, "Latitude"))
-        sample = QStringLiteral("00°00'00\"N  ");
-    else if (HeadingStarts(heading, "Longitude"))
-        sample = QStringLiteral("000°00'00\"W  ");
-    else if (HeadingStarts(heading, "Height"))
-        sample = QStringLiteral("99999.9  ");
-    else if (HeadingStarts(heading, "Speed"))
-        sample = QStringLiteral("99999.999  ");
-    else if (HeadingStarts(heading, "Illumination"))
-        sample = QStringLiteral("Penumbra  ");
-    else if (HeadingStarts(heading, "Satellite")) {
-        int widest = 0;
-        for (const auto& row : m_table.rows)
-            if (static_cast<std::size_t>(column) < row.cells.size())
-                widest = std::max(widest, fm.horizontalAdvance(ToQ(row.cells[static_cast<std::size_t>(column)])));
-        return std::clamp(widest + 20, headingWidth, 260);
-    }
-    return std::max(fm.horizontalAdvance(sample) + 12, headingWidth);
-}
-
-void CSatelliteTablePanel::SetTable(sat::SatelliteTable table, const std::map<int, std::pair<int, int>>& layouts)
-{
-    m_table = std::move(table);
-    m_title->setText(ToQ(m_table.title));
-    m_view->clear();
-    const int columns = static_cast<int>(m_table.headings.size());
-    m_view->setColumnCount(columns);
-    m_view->setRowCount(static_cast<int>(m_table.rows.size()));
-    QStringList headings;
-    for (const auto& h : m_table.headings) headings << ToQ(h);
-    m_view->setHorizontalHeaderLabels(headings);
-    std::vector<bool> numeric(static_cast<std::size_t>(columns));
-    for (int c = 0; c < columns; ++c) {
-        const std::string& h = m_table.headings[static_cast<std::size_t>(c)];
-        numeric[static_cast<std::size_t>(c)] = HeadingStarts(h, "Altitude") || HeadingStarts(h, "Azimuth") ||
-                                               HeadingStarts(h, "Range") || HeadingStarts(h, "Rate") ||
-                                               HeadingStarts(h, "Height") || HeadingStarts(h, "Speed");
-    }
-    for (int r = 0; r < m_view->rowCount(); ++r) {
-        const auto& cells = m_table.rows[static_cast<std::size_t>(r)].cells;
-        for (int c = 0; c < columns; ++c) {
-            auto* item = new QTableWidgetItem(static_cast<std::size_t>(c) < cells.size()
-                                                  ? ToQ(cells[static_cast<std::size_t>(c)])
-                                                  : QString());
-            if (numeric[static_cast<std::size_t>(c)]) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-            if (cells.empty()) item->setFlags(Qt::NoItemFlags);  // the blank row between passes
-            m_view->setItem(r, c, item);
-        }
-    }
-    // Pass tables of one satellite lack the leading Satellite column of the
-    // all-satellite table: their columns are stored under the same numbers
-    // as in that table, so one layout serves both.
-    const int keyOffset = m_kind == Kind::Passes && !(columns > 0 && m_table.headings.front() == "Satellite") ? 1 : 0;
-    QHeaderView* header = m_view->horizontalHeader();
-    for (int c = 0; c < columns; ++c) header->moveSection(header->visualIndex(c), c);
-    std::vector<std::pair<int, int>> order;  // (position, column)
-    for (int c = 0; c < columns; ++c) {
-        const auto it = layouts.find(c + keyOffset);
-        const int width = it != layouts.end() && it->second.first > 8 ? it->second.first : DefaultWidth(c);
-        m_view->setColumnWidth(c, width);
-        if (it != layouts.end()) order.emplace_back(it->second.second - keyOffset, c);
-    }
-    std::sort(order.begin(), order.end());
-    for (const auto& [position, column] : order)
-        if (position >= 0 && position < columns) header->moveSection(header->visualIndex(column), position);
-}
-
-void CSatelliteTablePanel::StoreLayouts(std::map<int, std::pair<int, int>>& layouts) const
-{
-    const int columns = m_view->columnCount();
-    if (columns == 0) return;
-    const int keyOffset = m_kind == Kind::Passes && m_table.headings.front() != "Satellite" ? 1 : 0;
-    const QHeaderView* header = m_view->horizontalHeader();
-    for (int c = 0; c < columns; ++c) layouts[c + keyOffset] = {m_view->columnWidth(c), header->visualIndex(c) + keyOffset};
-}
-
-bool CSatelliteTablePanel::SaveTo(const QString& path)
-{
-    if (const auto error = sat::SaveTableReport(m_table, path.toStdString())) {
-        QMessageBox::critical(this, QApplication::applicationName(), ToQ(*error));
-        return false;
-    }
-    return true;
-}
-
-void CSatelliteTablePanel::Save()
-{
-    const QString suggested = m_kind == Kind::Passes ? QStringLiteral("Passes") : QStringLiteral("Ground track");
-    const QString folder = m_app.RememberedFolder(kReportsFolderKey);
-    QString path = QFileDialog::getSaveFileName(this, tr("Save Table"),
-                                                folder.isEmpty() ? suggested + QStringLiteral(".txt")
-                                                                 : folder + QLatin1Char('/') + suggested + QStringLiteral(".txt"),
-                                                QtFileFilter(kReportFilter));
-    if (path.isEmpty()) return;
-    m_app.RememberFolder(kReportsFolderKey, path);
-    SaveTo(path);
-}
-
-void CSatelliteTablePanel::Copy()
-{
-    QGuiApplication::clipboard()->setText(ToQ(sat::TableText(m_table, sat::LineEnding::CrLf)));
+    return table.columns.empty() || table.columns.front().heading == "Satellite" ? 0 : 1;
 }
 
 // ------------------------------------------------------------------ ground-track pages
@@ -397,9 +234,11 @@ void CSatelliteGndTrkPage::SetStartJdUT(double jdUT)
 CSatelliteGndTrkTablePage::CSatelliteGndTrkTablePage(CAppContext& app, QWidget* parent) : QWidget(parent)
 {
     auto* layout = new QVBoxLayout(this);
-    m_panel = new CSatelliteTablePanel(app, CSatelliteTablePanel::Kind::GroundTrack, this);
+    m_panel = new CResultTablePanel(app, CResultTablePanel::Sorting::ByColumn, CResultTablePanel::Selection::Single,
+                                    CResultTablePanel::Title::Shown, this);
+    m_panel->SetReportName(QStringLiteral("Ground track"));
     layout->addWidget(m_panel);
-    auto* buttons = m_panel->findChild<QHBoxLayout*>(QStringLiteral("TableButtons"));
+    QHBoxLayout* buttons = m_panel->Buttons();
     auto* back = new QPushButton(QStringLiteral("-1 Orbit"), this);
     auto* forward = new QPushButton(QStringLiteral("+1 Orbit"), this);
     buttons->insertWidget(0, back);
@@ -692,11 +531,14 @@ void CSatellitePassSelectPage::SetStartDate(QDate date) { m_date->setDate(date);
 CSatellitePassTablePage::CSatellitePassTablePage(CAppContext& app, QWidget* parent) : QWidget(parent)
 {
     auto* layout = new QVBoxLayout(this);
-    m_panel = new CSatelliteTablePanel(app, CSatelliteTablePanel::Kind::Passes, this);
+    // Passes keep their rows together: the table does not sort.
+    m_panel = new CResultTablePanel(app, CResultTablePanel::Sorting::None, CResultTablePanel::Selection::Extended,
+                                    CResultTablePanel::Title::Shown, this);
+    m_panel->SetReportName(QStringLiteral("Passes"));
     layout->addWidget(m_panel);
     m_status = new QLabel(this);
     layout->insertWidget(1, m_status);
-    auto* buttons = m_panel->findChild<QHBoxLayout*>(QStringLiteral("TableButtons"));
+    QHBoxLayout* buttons = m_panel->Buttons();
     auto* back = new QPushButton(QStringLiteral("-"), this);
     auto* forward = new QPushButton(QStringLiteral("+"), this);
     back->setToolTip(tr("The period before"));
@@ -779,30 +621,18 @@ bool CSatellitePassSheet::Compute()
         return false;
     }
 
-    QProgressDialog progress(all ? tr("Searching for passes of %1...")
-                                      .arg(Count(static_cast<int>(m_searched.size()), "satellite", "satellites"))
-                                 : tr("Searching for passes of %1...").arg(ToQ(m_searched.front().name)),
-                             tr("Cancel"), 0, 1000, this);
-    progress.setWindowModality(Qt::WindowModal);
-    progress.setMinimumDuration(400);
-    progress.setAutoClose(false);
-    progress.setAutoReset(false);
-    progress.setValue(0);
+    CResultTablePanel* panel = m_tablePage->Panel();
     sat::PassSearchCallbacks callbacks;
     callbacks.askEpochAge = AskEpochAge(this);
-    callbacks.progress = [&progress](double fraction) {
-        progress.setValue(static_cast<int>(std::lround(std::clamp(fraction, 0.0, 1.0) * 1000.0)));
-        QCoreApplication::processEvents();
-        return progress.wasCanceled() ? sat::ProgressAnswer::Cancel : sat::ProgressAnswer::Continue;
-    };
-    QApplication::setOverrideCursor(Qt::BusyCursor);
+    callbacks.progress = panel->BeginProgress(
+        all ? tr("Searching for passes of %1...").arg(Count(static_cast<int>(m_searched.size()), "satellite", "satellites"))
+            : tr("Searching for passes of %1...").arg(ToQ(m_searched.front().name)));
     if (all)
         m_result = sat::SearchAllSatellitePasses(m_searched, m_observer, startJd, m_resultSettings, callbacks);
     else
         m_result = sat::SearchSatellitePasses(m_searched.front(), 0, sat::SiteOfObserver(m_observer), startJd,
                                               m_resultSettings, callbacks);
-    QApplication::restoreOverrideCursor();
-    progress.close();
+    panel->EndProgress();
 
     // Passes too long to show: one box naming each satellite concerned.
     std::vector<std::string> notices = sat::TooManyPointsNotices(m_searched, m_result);
@@ -821,8 +651,8 @@ bool CSatellitePassSheet::Compute()
 
     const sat::SatelliteTable table =
         sat::MakePassTable(m_searched, m_result, m_resultSettings, m_resultSettings.passScope, localOffset);
-    m_tablePage->Panel()->StoreLayouts(m_settings.passColumns);
-    m_tablePage->Panel()->SetTable(table, m_settings.passColumns);
+    panel->StoreLayouts(m_settings.passColumns, PassColumnKeyOffset(panel->Table()));
+    panel->SetTable(table, m_settings.passColumns, PassColumnKeyOffset(table));
     m_rowOwners = PassTableRowOwners(m_result, m_resultSettings);
     std::set<int> passesShown;
     for (int owner : m_rowOwners)
@@ -843,13 +673,9 @@ sat::PlottedPassList CSatellitePassSheet::SelectedPasses() const
     sat::PlottedPassList list;
     list.labelIntervalSec = m_settings.passLabelIntervalSec;
     std::set<int> chosen;
-    const QModelIndexList rows = m_tablePage->Panel()->View()->selectionModel()
-                                     ? m_tablePage->Panel()->View()->selectionModel()->selectedRows()
-                                     : QModelIndexList{};
-    for (const QModelIndex& row : rows)
-        if (row.row() >= 0 && static_cast<std::size_t>(row.row()) < m_rowOwners.size() &&
-            m_rowOwners[static_cast<std::size_t>(row.row())] >= 0)
-            chosen.insert(m_rowOwners[static_cast<std::size_t>(row.row())]);
+    for (const int row : m_tablePage->Panel()->SelectedTableRows())
+        if (row >= 0 && static_cast<std::size_t>(row) < m_rowOwners.size() && m_rowOwners[static_cast<std::size_t>(row)] >= 0)
+            chosen.insert(m_rowOwners[static_cast<std::size_t>(row)]);
     if (chosen.empty())
         for (int owner : m_rowOwners)
             if (owner >= 0) chosen.insert(owner);
@@ -884,7 +710,7 @@ void CSatellitePassSheet::StepPeriod(int direction)
 
 void CSatellitePassSheet::accept()
 {
-    m_tablePage->Panel()->StoreLayouts(m_settings.passColumns);
+    m_tablePage->Panel()->StoreLayouts(m_settings.passColumns, PassColumnKeyOffset(m_tablePage->Panel()->Table()));
     m_doc.SetSettings(m_settings);
     QDialog::accept();
 }

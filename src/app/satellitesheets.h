@@ -27,6 +27,7 @@
 #include "satellite/passdraw.h"
 #include "satellite/passes.h"
 #include "satellite/satsettings.h"
+#include "app/resulttablepanel.h"
 #include "satellite/sattables.h"
 
 class QCheckBox;
@@ -38,7 +39,6 @@ class QPushButton;
 class QRadioButton;
 class QSpinBox;
 class QTabWidget;
-class QTableWidget;
 
 namespace orv {
 
@@ -50,39 +50,16 @@ class CSatelliteDoc;
 // between passes.
 std::vector<int> PassTableRowOwners(const sat::PassSearchResult& result, const sat::CEarthSatSettings& settings);
 
-// The table of a sheet's table page, with "Save" and "Copy". Column layouts
-// (width and position) come from and go back to the settings' GndTrkCol%1d
-// or PassCol%1d entries.
-class CSatelliteTablePanel : public QWidget {
-    Q_OBJECT
-public:
-    enum class Kind { GroundTrack, Passes };
-    CSatelliteTablePanel(CAppContext& app, Kind kind, QWidget* parent = nullptr);
+// The table of a sheet's table page: the result-table panel, with "Save",
+// "Save Table" and "Copy". Column layouts (width and position) come from and
+// go back to the settings' GndTrkCol%1d or PassCol%1d entries.
+using CSatelliteTablePanel = CResultTablePanel;
 
-    void SetTable(sat::SatelliteTable table, const std::map<int, std::pair<int, int>>& layouts);
-    const sat::SatelliteTable& Table() const { return m_table; }
-    QTableWidget* View() const { return m_view; }
-    QPushButton* SaveButton() const { return m_save; }
-    QPushButton* CopyButton() const { return m_copy; }
-    // The columns' widths and positions as they are now.
-    void StoreLayouts(std::map<int, std::pair<int, int>>& layouts) const;
-
-    // Writes the table as a text report; on failure tells the user.
-    bool SaveTo(const QString& path);
-    void Save();  // asks for the file
-    void Copy();  // the clipboard, with "\r\n" line ends
-
-private:
-    int DefaultWidth(int column) const;
-
-    CAppContext& m_app;
-    Kind m_kind;
-    sat::SatelliteTable m_table;
-    QLabel* m_title = nullptr;
-    QTableWidget* m_view = nullptr;
-    QPushButton* m_save = nullptr;
-    QPushButton* m_copy = nullptr;
-};
+// Pass tables of one satellite lack the leading Satellite column of the
+// all-satellite table: their columns are stored under the same numbers as
+// in that table (PassCol%1d), so one layout serves both. The offset to add
+// to a column of `table` for its PassCol number.
+int PassColumnKeyOffset(const sat::SatelliteTable& table);
 
 // --------------------------------------------------------------- ground track
 

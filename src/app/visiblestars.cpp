@@ -2,17 +2,11 @@
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QClipboard>
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QFileDialog>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QSaveFile>
-#include <QTableWidget>
+#include <QTableView>
 #include <QVBoxLayout>
 
 #include <array>
@@ -20,6 +14,7 @@
 
 #include "app/appcontext.h"
 #include "app/mapwindow.h"
+#include "app/resulttablepanel.h"
 #include "catalog/stars/starsource.h"
 #include "map/mapdraw.h"
 #include "util/settingsstore.h"
@@ -53,7 +48,10 @@ int DefaultWidth(int column) { return column == 0 ? 190 : column >= 5 ? 110 : co
 }  // namespace
 
 CVisibleStarsDialog::CVisibleStarsDialog(CMapWindow& window, CAppContext& app, QWidget* parent)
-    : QDialog(parent), m_window(window), m_app(app), m_rows(VisibleStarRows(window.Renderer().WindowScene(), app.Components().objects))
+    : QDialog(parent),
+      m_window(window),
+      m_app(app),
+      m_rows(VisibleStarRows(window.Renderer().WindowScene(), app.Components().objects))
 {
     setWindowTitle(tr("Stars Visible on the Map"));
     auto* layout = new QVBoxLayout(this);
@@ -71,40 +69,20 @@ CVisibleStarsDialog::CVisibleStarsDialog(CMapWindow& window, CAppContext& app, Q
     controls->addWidget(m_count);
     layout->addLayout(controls);
 
-    m_table = new QTableWidget(this);
-    m_table->setColumnCount(kStarListColumns);
-    QStringList headings;
-    for (int c = 0; c < kStarListColumns; ++c) headings << QString::fromUtf8(StarListHeading(c));
-    m_table->setHorizontalHeaderLabels(headings);
-    m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_table->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_table->verticalHeader()->setVisible(false);
-    m_table->setToolTip(tr("Double-click a star to centre the chart on it"));
-    const CSettingsStore& store = m_app.Settings();
-    for (int c = 0; c < kStarListColumns; ++c) {
-        const int width = store.GetInt(kStarsSection, StarListColumnKey(c), DefaultWidth(c));
-        m_table->setColumnWidth(c, width > 8 ? width : DefaultWidth(c));
-    }
-    layout->addWidget(m_table);
+    m_panel = new CResultTablePanel(m_app, CResultTablePanel::Sorting::ByOwner, CResultTablePanel::Selection::Single,
+                                    CResultTablePanel::Title::Hidden, this);
+    m_panel->SetReportName(QStringLiteral("Stars"));
+    m_panel->SetColumnsMovable(false);
+    m_panel->SetDefaultWidths(DefaultWidth);
+    Table()->setToolTip(tr("Double-click a star to centre the chart on it"));
+    layout->addWidget(m_panel);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
-    QPushButton* save = buttons->addButton(tr("&Save..."), QDialogButtonBox::ActionRole);
-    QPushButton* copy = buttons->addButton(tr("&Copy"), QDialogButtonBox::ActionRole);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    connect(copy, &QPushButton::clicked, this,
-            [this] { QApplication::clipboard()->setText(QString::fromStdString(Listing())); });
-    connect(save, &QPushButton::clicked, this, [this] {
-        const QString path = QFileDialog::getSaveFileName(this, tr("Save Star List"), m_app.RememberedFolder("Reports"),
-                                                          tr("Text Files (*.txt);;All Files (*)"));
-        if (path.isEmpty()) return;
-        m_app.RememberFolder("Reports", path);
-        SaveTo(path);
-    });
     layout->addWidget(buttons);
 
-    connect(m_table->horizontalHeader(), &QHeaderView::sectionClicked, this, &CVisibleStarsDialog::HeaderClicked);
-    connect(m_table, &QTableWidget::cellDoubleClicked, this, [this](int row, int) { CentreOnRow(row); });
+    connect(m_panel, &CResultTablePanel::HeadingClicked, this, &CVisibleStarsDialog::HeaderClicked);
+    connect(m_panel, &CResultTablePanel::RowActivated, this, &CVisibleStarsDialog::CentreOnRow);
     auto resort = [this] {
         SortBy(kSortChoices[static_cast<std::size_t>(m_sortChoice->currentIndex())],
                m_descending->isChecked() ? SortDirection::Descending : SortDirection::Ascending);
@@ -134,17 +112,21 @@ void CVisibleStarsDialog::SortBy(StarListSort by, SortDirection direction)
     Fill();
 }
 
+QTableView* CVisibleStarsDialog::Table() const { return m_panel->View(); }
+
 void CVisibleStarsDialog::Fill()
 {
-    m_table->setRowCount(static_cast<int>(m_rows.size()));
-    for (int r = 0; r < static_cast<int>(m_rows.size()); ++r) {
-        for (int c = 0; c < kStarListColumns; ++c) {
-            auto* item = new QTableWidgetItem(QString::fromStdString(StarListCell(m_rows[static_cast<std::size_t>(r)], c)));
-            if (c >= 1) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-            if (c == 3 || c == 4) item->setTextAlignment(Qt::AlignCenter);
-            m_table->setItem(r, c, item);
-        }
+    // The widths the user set stay as the rows change; the first time they
+    // come from the "Stars" section's "StarListCol%1d" entries.
+    CResultTablePanel::Layouts layouts;
+    if (m_panel->Table().columns.empty()) {
+        const CSettingsStore& store = m_app.Settings();
+        for (int c = 0; c < kStarListColumns; ++c)
+            layouts[c] = {store.GetInt(kStarsSection, StarListColumnKey(c), DefaultWidth(c)), c};
+    } else {
+        m_panel->StoreLayouts(layouts);
     }
+    m_panel->SetTable(VisibleStarsTable(m_rows), layouts);
     m_count->setText(m_rows.size() == 1 ? tr("1 star") : tr("%1 stars").arg(m_rows.size()));
 }
 
@@ -166,21 +148,12 @@ void CVisibleStarsDialog::CentreOnRow(int row)
                       SearchTarget{star.raJ2000Rad, star.decJ2000Rad, star.designation});
 }
 
-bool CVisibleStarsDialog::SaveTo(const QString& path)
-{
-    QSaveFile f(path);
-    const QByteArray bytes = QByteArray::fromStdString(Listing());
-    if (!f.open(QIODevice::WriteOnly | QIODevice::Text) || f.write(bytes) != bytes.size() || !f.commit()) {
-        QMessageBox::critical(this, QApplication::applicationName(), tr("Unable to create file\n\"%1\"").arg(path));
-        return false;
-    }
-    return true;
-}
+bool CVisibleStarsDialog::SaveTo(const QString& path) { return m_panel->SaveTo(path); }
 
 void CVisibleStarsDialog::SaveWidths()
 {
     CSettingsStore& store = m_app.Settings();
-    for (int c = 0; c < kStarListColumns; ++c) store.SetInt(kStarsSection, StarListColumnKey(c), m_table->columnWidth(c));
+    for (int c = 0; c < kStarListColumns; ++c) store.SetInt(kStarsSection, StarListColumnKey(c), Table()->columnWidth(c));
 }
 
 void CVisibleStarsDialog::done(int result)

@@ -1,6 +1,8 @@
 // The list of the stars visible on a chart: a sortable table of the stars
 // the chart drew, which can be saved, copied, and used to find a star on
-// the chart again.
+// the chart again. The table is the result-table panel; the list keeps its
+// own sort rules (designation order, flagged stars first), so a click on a
+// heading comes back here.
 #pragma once
 
 #include <QDialog>
@@ -12,12 +14,13 @@
 class QComboBox;
 class QCheckBox;
 class QLabel;
-class QTableWidget;
+class QTableView;
 
 namespace orv {
 
 class CAppContext;
 class CMapWindow;
+class CResultTablePanel;
 
 class CVisibleStarsDialog : public QDialog {
     Q_OBJECT
@@ -29,7 +32,8 @@ public:
 
     void SortBy(StarListSort by, SortDirection direction);
     const std::vector<VisibleStarRow>& Rows() const { return m_rows; }
-    QTableWidget* Table() const { return m_table; }
+    QTableView* Table() const;
+    CResultTablePanel* Panel() const { return m_panel; }
     // The listing as saved and copied: in the order shown.
     std::string Listing() const { return VisibleStarsListing(m_rows); }
     bool SaveTo(const QString& path);
@@ -48,7 +52,7 @@ private:
     std::vector<VisibleStarRow> m_rows;
     StarListSort m_sort = StarListSort::Magnitude;
     SortDirection m_direction = SortDirection::Ascending;
-    QTableWidget* m_table = nullptr;
+    CResultTablePanel* m_panel = nullptr;
     QComboBox* m_sortChoice = nullptr;
     QCheckBox* m_descending = nullptr;
     QLabel* m_count = nullptr;

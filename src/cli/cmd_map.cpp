@@ -35,7 +35,7 @@ void Report(Context& ctx, const CMapView& view, const MapFileResult* read)
         blocks["Map"] = m;
     }
     if (ctx.json)
-        PrintJson(ctx.out, blocks);
+        PrintJson(ctx.out, CamelCaseKeys(blocks));
     else
         PrintBlocks(ctx.out, blocks);
 }

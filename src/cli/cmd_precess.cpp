@@ -36,10 +36,10 @@ bool ParseEpoch(const std::string& text, double& jdTT)
 
 QJsonObject Position(double raRad, double decRad)
 {
-    return QJsonObject{{"RA", QString::fromStdString(FormatHms(raRad, 3))},
-                       {"Dec", QString::fromStdString(FormatDms(decRad, 2, true))},
-                       {"RADeg", raRad * kDegPerRad},
-                       {"DecDeg", decRad * kDegPerRad}};
+    return QJsonObject{{"ra", QString::fromStdString(FormatHms(raRad, 3))},
+                       {"dec", QString::fromStdString(FormatDms(decRad, 2, true))},
+                       {"raDeg", raRad * kDegPerRad},
+                       {"decDeg", decRad * kDegPerRad}};
 }
 
 int Precess(Context& ctx)
@@ -50,9 +50,9 @@ int Precess(Context& ctx)
     const auto raText = ctx.args.Get("ra"), decText = ctx.args.Get("dec");
     if (!raText || !decText) return UsageError(ctx, "precess needs --ra and --dec");
     double ra = 0.0, dec = 0.0;
-    if (!ParseAngle(*raText, AngleUnit::Hours, ra)) return UsageError(ctx, "--ra is not an angle: " + *raText);
-    if (!ParseAngle(*decText, AngleUnit::Degrees, dec) || std::fabs(dec) > kHalfPi)
-        return UsageError(ctx, "--dec is not a declination: " + *decText);
+    std::string error;
+    if (!ParseRightAscensionOption("ra", *raText, ra, error) || !ParseDegreesOption("dec", *decText, 90.0, dec, error))
+        return UsageError(ctx, error);
     double jdFrom = 2451545.0, jdTo = 2451545.0;
     if (auto f = ctx.args.Get("from"); f && !ParseEpoch(*f, jdFrom))
         return UsageError(ctx, "--from needs an epoch such as J2000, 1950.0 or 2025-11-19");
@@ -62,7 +62,6 @@ int Precess(Context& ctx)
 
     CObserverDoc observer;
     observer.LoadSettings(ctx.settings);
-    std::string error;
     if (!ApplySiteOptions(ctx, observer, error) || !ApplyTimeOptions(ctx, observer, error))
         return UsageError(ctx, error);
 
@@ -79,26 +78,26 @@ int Precess(Context& ctx)
     VectorToSpherical(v, raTo, decTo);
 
     QJsonObject out;
-    out["Input"] = Position(mod2pi(ra), dec);
-    out["InputEquinoxJDTT"] = jdFrom;
-    out["J2000"] = Position(raJ2000, decJ2000);
-    out["Mean"] = Position(raTo, decTo);
-    out["MeanEquinoxJDTT"] = jdTo;
+    out["input"] = Position(mod2pi(ra), dec);
+    out["inputEquinoxJdTT"] = jdFrom;
+    out["j2000"] = Position(raJ2000, decJ2000);
+    out["mean"] = Position(raTo, decTo);
+    out["meanEquinoxJdTT"] = jdTo;
 
     const bool apparent = ctx.args.Has("apparent") || ctx.args.Has("date") || ctx.args.Has("jd") || !toText;
     if (apparent) {
         double raApp = raJ2000, decApp = decJ2000;
         CatalogueToDate(observer, raApp, decApp, Place::Apparent);
         QJsonObject app = Position(raApp, decApp);
-        app["JulianDateUT"] = observer.JulianDate();
-        app["JulianDateTT"] = observer.JulianDateTDT();
-        out["Apparent"] = app;
+        app["jdUT"] = observer.JulianDate();
+        app["jdTT"] = observer.JulianDateTDT();
+        out["apparent"] = app;
         double alt = 0.0, az = 0.0;
         EquatorialToHorizontal(observer, raApp, decApp, alt, az);
-        out["Horizon"] = QJsonObject{{"Site", QString::fromStdString(observer.SiteName())},
-                                     {"AltitudeDeg", alt * kDegPerRad},
-                                     {"AzimuthDeg", az * kDegPerRad},
-                                     {"Refracted", true}};
+        out["horizon"] = QJsonObject{{"site", QString::fromStdString(observer.SiteName())},
+                                     {"altitudeDeg", alt * kDegPerRad},
+                                     {"azimuthDeg", az * kDegPerRad},
+                                     {"refracted", true}};
     }
 
     if (ctx.json) {
@@ -106,25 +105,25 @@ int Precess(Context& ctx)
         return 0;
     }
     const auto line = [&](const char* label, const QJsonObject& p) {
-        ctx.out << label << p["RA"].toString().toStdString() << "  " << p["Dec"].toString().toStdString() << '\n';
+        ctx.out << label << p["ra"].toString().toStdString() << "  " << p["dec"].toString().toStdString() << '\n';
     };
-    line("input              ", out["Input"].toObject());
-    line("J2000 (ICRS)       ", out["J2000"].toObject());
+    line("input              ", out["input"].toObject());
+    line("J2000 (ICRS)       ", out["j2000"].toObject());
     ctx.out << "mean, equinox JD " << QString::number(jdTo, 'f', 3).toStdString() << "\n";
-    line("                   ", out["Mean"].toObject());
+    line("                   ", out["mean"].toObject());
     if (apparent) {
-        const QJsonObject a = out["Apparent"].toObject();
+        const QJsonObject a = out["apparent"].toObject();
         ctx.out << "apparent, JD " << QString::number(observer.JulianDate(), 'f', 5).toStdString() << " UT\n";
         line("                   ", a);
-        const QJsonObject h = out["Horizon"].toObject();
-        ctx.out << "altitude " << QString::number(h["AltitudeDeg"].toDouble(), 'f', 4).toStdString() << "°  azimuth "
-                << QString::number(h["AzimuthDeg"].toDouble(), 'f', 4).toStdString() << "° (refracted)\n";
+        const QJsonObject h = out["horizon"].toObject();
+        ctx.out << "altitude " << QString::number(h["altitudeDeg"].toDouble(), 'f', 4).toStdString() << "°  azimuth "
+                << QString::number(h["azimuthDeg"].toDouble(), 'f', 4).toStdString() << "° (refracted)\n";
     }
     return 0;
 }
 
 constexpr const char* kUsage =
-    "orvane-cli precess --ra ANGLE --dec ANGLE [--from EPOCH] [--to EPOCH] [--apparent] [site and time options]\n"
+    "orvane-cli precess --ra HOURS --dec DEG [--from EPOCH] [--to EPOCH] [--apparent] [site and time options]\n"
     "  --from EPOCH   equinox of the input position (default J2000; \"J1950\", \"2025.5\", \"2025-11-19\")\n"
     "  --to EPOCH     equinox of the output mean position (IAU 2006 precession)\n"
     "  --apparent     also the apparent place at --date/--time or --jd (aberration, precession,\n"

@@ -152,8 +152,8 @@ int Render(Context& ctx)
         QJsonObject o;
         o["path"] = QString::fromStdString(result.path);
         o["format"] = QString::fromStdString(result.format);
-        o["width"] = result.widthPx;
-        o["height"] = result.heightPx;
+        o["widthPx"] = result.widthPx;
+        o["heightPx"] = result.heightPx;
         o["dpi"] = request.dpi;
         o["scheme"] = SchemeName(options.scheme);
         o["monochrome"] = options.monochrome;

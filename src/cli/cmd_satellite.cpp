@@ -10,6 +10,7 @@
 
 #include "cli/cli.h"
 #include "cli/options.h"
+#include "cli/tableprinter.h"
 #include "observer/observer.h"
 #include "satellite/describe.h"
 #include "satellite/elements.h"
@@ -84,48 +85,6 @@ EpochAgeQuestionFn AgeWarning(Context& ctx)
     };
 }
 
-std::size_t DisplayWidth(const std::string& s)
-{
-    std::size_t n = 0;
-    for (unsigned char c : s)
-        if ((c & 0xC0) != 0x80) ++n;
-    return n;
-}
-
-void PrintTable(std::ostream& out, const SatelliteTable& table)
-{
-    out << table.title << "\n\n";
-    std::vector<std::size_t> widths(table.headings.size(), 0);
-    for (std::size_t i = 0; i < table.headings.size(); ++i) widths[i] = DisplayWidth(table.headings[i]);
-    for (const auto& row : table.rows)
-        for (std::size_t i = 0; i < row.cells.size() && i < widths.size(); ++i)
-            widths[i] = std::max(widths[i], DisplayWidth(row.cells[i]));
-    auto line = [&](const std::vector<std::string>& cells) {
-        std::string text;
-        for (std::size_t i = 0; i < cells.size(); ++i) {
-            if (i > 0) text += "  ";
-            text += cells[i];
-            if (i + 1 < cells.size() && i < widths.size()) text.append(widths[i] - DisplayWidth(cells[i]), ' ');
-        }
-        out << text << '\n';
-    };
-    line(table.headings);
-    for (const auto& row : table.rows) line(row.cells);
-}
-
-QJsonObject TableJson(const SatelliteTable& table)
-{
-    QJsonArray headings, rows;
-    for (const auto& h : table.headings) headings.append(Q(h));
-    for (const auto& row : table.rows) {
-        if (row.cells.empty()) continue;
-        QJsonArray cells;
-        for (const auto& c : row.cells) cells.append(Q(c));
-        rows.append(cells);
-    }
-    return QJsonObject{{"Title", Q(table.title)}, {"Headings", headings}, {"Rows", rows}};
-}
-
 bool SetupObserver(Context& ctx, CObserverDoc& observer, std::string& error)
 {
     observer.LoadSettings(ctx.settings);
@@ -175,15 +134,15 @@ int Satellite(Context& ctx)
     QJsonObject out;
     QJsonArray lines;
     for (const auto& l : description) lines.append(Q(l));
-    out["Description"] = lines;
-    out["Model"] = propagator.Model() == OrbitModel::Sdp4DeepSpace ? "SDP4" : "SGP4";
-    out["PeriodMinutes"] = record.periodMinutes;
-    out["EpochJulianDateUT"] = record.epochJd;
-    out["JulianDateUT"] = jd;
-    out["MinutesSinceEpoch"] = (jd - record.epochJd) * 1440.0;
-    out["Time"] = Q(FormatPassTime(jd, observer.LocalOffsetHours()));
+    out["description"] = lines;
+    out["model"] = propagator.Model() == OrbitModel::Sdp4DeepSpace ? "SDP4" : "SGP4";
+    out["periodMin"] = record.periodMinutes;
+    out["epochJdUT"] = record.epochJd;
+    out["jdUT"] = jd;
+    out["sinceEpochMin"] = (jd - record.epochJd) * 1440.0;
+    out["localTime"] = Q(FormatPassTime(jd, observer.LocalOffsetHours()));
     if (status != PropagationStatus::Ok) {
-        out["Error"] = Q(std::string(PropagationStatusText(status)));
+        out["error"] = Q(std::string(PropagationStatusText(status)));
         if (ctx.json) {
             PrintJson(ctx.out, out);
             return 1;
@@ -200,23 +159,23 @@ int Satellite(Context& ctx)
                                    state.velocityKmPerS[1] * state.velocityKmPerS[1] +
                                    state.velocityKmPerS[2] * state.velocityKmPerS[2]);
 
-    out["TEME"] = QJsonObject{{"PositionKm", QJsonArray{state.positionKm[0], state.positionKm[1], state.positionKm[2]}},
-                              {"VelocityKmPerS", QJsonArray{state.velocityKmPerS[0], state.velocityKmPerS[1],
+    out["teme"] = QJsonObject{{"positionKm", QJsonArray{state.positionKm[0], state.positionKm[1], state.positionKm[2]}},
+                              {"velocityKmPerS", QJsonArray{state.velocityKmPerS[0], state.velocityKmPerS[1],
                                                             state.velocityKmPerS[2]}}};
-    out["SubSatellitePoint"] = QJsonObject{{"LatitudeDeg", sub.latitudeRad * kDegPerRad},
-                                           {"LongitudeDeg", sub.longitudeRad * kDegPerRad},
-                                           {"Latitude", Q(FormatLatitude(sub.latitudeRad))},
-                                           {"Longitude", Q(FormatLongitude(sub.longitudeRad))},
-                                           {"HeightKm", sub.heightKm},
-                                           {"SpeedKmPerS", speed}};
-    out["LookAngles"] = QJsonObject{{"Site", Q(observer.SiteName())},
-                                    {"AzimuthDeg", look.azimuthRad * kDegPerRad},
-                                    {"ElevationDeg", look.elevationRad * kDegPerRad},
-                                    {"RangeKm", look.rangeKm},
-                                    {"RangeRateKmPerS", look.rangeRateKmPerS},
-                                    {"AboveHorizon", look.horizon == Horizon::Above}};
-    out["Illumination"] = IlluminationName(illumination);
-    out["SunElevationDeg"] = sunElevation * kDegPerRad;
+    out["subSatellitePoint"] = QJsonObject{{"latitudeDeg", sub.latitudeRad * kDegPerRad},
+                                           {"longitudeDeg", sub.longitudeRad * kDegPerRad},
+                                           {"latitude", Q(FormatLatitude(sub.latitudeRad))},
+                                           {"longitude", Q(FormatLongitude(sub.longitudeRad))},
+                                           {"heightKm", sub.heightKm},
+                                           {"speedKmPerS", speed}};
+    out["lookAngles"] = QJsonObject{{"site", Q(observer.SiteName())},
+                                    {"azimuthDeg", look.azimuthRad * kDegPerRad},
+                                    {"elevationDeg", look.elevationRad * kDegPerRad},
+                                    {"rangeKm", look.rangeKm},
+                                    {"rangeRateKmPerS", look.rangeRateKmPerS},
+                                    {"aboveHorizon", look.horizon == Horizon::Above}};
+    out["illumination"] = IlluminationName(illumination);
+    out["sunElevationDeg"] = sunElevation * kDegPerRad;
 
     if (ctx.json) {
         PrintJson(ctx.out, out);
@@ -224,9 +183,9 @@ int Satellite(Context& ctx)
     }
     for (const auto& l : description) ctx.out << l << '\n';
     char buf[512];
-    ctx.out << '\n' << "Model: " << out["Model"].toString().toStdString() << ", period "
+    ctx.out << '\n' << "Model: " << out["model"].toString().toStdString() << ", period "
             << QString::number(record.periodMinutes, 'f', 2).toStdString() << " min\n";
-    ctx.out << "Time: " << out["Time"].toString().toStdString() << " local (JD " << QString::number(jd, 'f', 6).toStdString()
+    ctx.out << "Time: " << out["localTime"].toString().toStdString() << " local (JD " << QString::number(jd, 'f', 6).toStdString()
             << " UT, " << QString::number((jd - record.epochJd), 'f', 3).toStdString() << " days from epoch)\n";
     std::snprintf(buf, sizeof buf, "TEME position: %14.6f %14.6f %14.6f km\nTEME velocity: %14.9f %14.9f %14.9f km/s\n",
                   state.positionKm[0], state.positionKm[1], state.positionKm[2], state.velocityKmPerS[0],
@@ -277,21 +236,8 @@ int GroundTrack(Context& ctx)
     if (track.failedSteps > 0)
         ctx.err << "orvane-cli: " << track.failedSteps << " steps without a position ("
                 << PropagationStatusText(track.firstFailure) << ")\n";
-    if (ctx.json) {
-        QJsonObject out = TableJson(table);
-        QJsonArray points;
-        for (const auto& p : track.points)
-            points.append(QJsonObject{{"JulianDateUT", p.jdUT},
-                                      {"LatitudeDeg", p.latitudeRad * kDegPerRad},
-                                      {"LongitudeDeg", p.longitudeRad * kDegPerRad},
-                                      {"HeightKm", p.heightKm},
-                                      {"SpeedKmPerS", p.speedKmPerS},
-                                      {"Illumination", IlluminationName(p.illumination)}});
-        out["Points"] = points;
-        PrintJson(ctx.out, out);
-        return 0;
-    }
-    PrintTable(ctx.out, table);
+    // The table's rows carry every point with its Julian date and place.
+    PrintTable(ctx, table);
     return 0;
 }
 
@@ -350,31 +296,25 @@ int Passes(Context& ctx)
     for (const auto& notice : TooManyPointsNotices(searched, result)) ctx.err << "orvane-cli: " << notice << '\n';
     const SatelliteTable table = MakePassTable(searched, result, settings, settings.passScope, observer.LocalOffsetHours());
 
-    if (ctx.json) {
-        QJsonObject out = TableJson(table);
-        QJsonArray passes;
-        for (const auto& pass : result.passes) {
-            const auto& first = pass.points.front();
-            const auto& last = pass.points.back();
-            passes.append(QJsonObject{
-                {"Satellite", Q(searched[static_cast<std::size_t>(pass.satelliteIndex)].name)},
-                {"StartJulianDateUT", first.jdUT},
-                {"EndJulianDateUT", last.jdUT},
-                {"MaxElevationDeg", pass.maxElevationRad * kDegPerRad},
-                {"MaxElevationJulianDateUT", pass.points[pass.maxElevationIndex].jdUT},
-                {"Points", static_cast<qint64>(pass.pointCount)},
-                {"Shown", pass.display == SatellitePass::Display::Shown}});
-        }
-        out["Passes"] = passes;
-        out["SiteLatitudeDeg"] = observer.LatitudeRad() * kDegPerRad;
-        out["SiteLongitudeDeg"] = observer.LongitudeRad() * kDegPerRad;
-        out["StartJulianDateUT"] = result.startJdUT;
-        out["EndJulianDateUT"] = result.endJdUT;
-        PrintJson(ctx.out, out);
-        return 0;
+    QJsonArray passes;
+    for (const auto& pass : result.passes) {
+        if (pass.points.empty()) continue;
+        passes.append(QJsonObject{
+            {"satellite", Q(searched[static_cast<std::size_t>(pass.satelliteIndex)].name)},
+            {"startJdUT", pass.points.front().jdUT},
+            {"endJdUT", pass.points.back().jdUT},
+            {"maxAltitudeDeg", pass.maxElevationRad * kDegPerRad},
+            {"maxAltitudeJdUT", pass.points[pass.maxElevationIndex].jdUT},
+            {"points", static_cast<qint64>(pass.pointCount)},
+            {"shown", pass.display == SatellitePass::Display::Shown}});
     }
-    PrintTable(ctx.out, table);
-    if (result.passes.empty()) ctx.out << "(no passes)\n";
+    const QJsonObject extra{{"passes", passes},
+                            {"siteLatitudeDeg", observer.LatitudeRad() * kDegPerRad},
+                            {"siteLongitudeDeg", observer.LongitudeRad() * kDegPerRad},
+                            {"startJdUT", result.startJdUT},
+                            {"endJdUT", result.endJdUT}};
+    PrintTable(ctx, table, extra);
+    if (result.passes.empty() && !ctx.json && !ctx.args.Has("csv")) ctx.out << "(no passes)\n";
     return 0;
 }
 
@@ -392,7 +332,8 @@ constexpr const char* kGroundTrackUsage =
     "orvane-cli groundtrack --tle FILE --sat NAME|NUMBER [--length MIN | --orbit] [--step MIN]\n"
     "                       [site and time options] [--yes]\n"
     "  the ground-track table from the instant given (local time): time, latitude, longitude,\n"
-    "  height, speed and illumination; defaults from the EarthSat settings (GTLength, GTInterval)";
+    "  height, speed and illumination; defaults from the EarthSat settings (GTLength, GTInterval)\n"
+    "  --json, --csv     the table for other programs (times as Julian dates UT, angles in degrees)";
 
 constexpr const char* kPassesUsage =
     "orvane-cli passes --tle FILE (--sat NAME|NUMBER | --all) [--date YYYY-MM-DD] [--days N]\n"
@@ -404,7 +345,8 @@ constexpr const char* kPassesUsage =
     "  --any            every pass above the horizon\n"
     "  --min-alt DEG    drop passes culminating lower (PassMinAlt); --no-min-alt keeps them\n"
     "  --interval SEC   step between the positions of a pass (PassPosInterval)\n"
-    "  --summary        first, highest and last point of each pass; --full every point";
+    "  --summary        first, highest and last point of each pass; --full every point\n"
+    "  --json, --csv    the table for other programs (times as Julian dates UT, angles in degrees)";
 
 }  // namespace
 

@@ -29,30 +29,6 @@ namespace {
 const char* kNoCatalogue =
     "the Tycho-2 star catalogue is not in the data folder (run tools/fetch-sources.sh, then orvane-databuild)";
 
-// An angle given as decimal degrees, as hours with an "h" ("6.75h",
-// "6h45m09s") or sexagesimally with colons ("-16:42:58", hours for RA when
-// `hoursByColon`).
-std::optional<double> ParseAngleDeg(const std::string& text, bool hoursByColon)
-{
-    std::string t = text;
-    for (char& c : t)
-        if (c == 'h' || c == 'm' || c == 's' || c == 'd' || c == ':' || c == '\'' || c == '"') c = c == 'h' ? 'h' : ' ';
-    const bool hours = text.find('h') != std::string::npos || (hoursByColon && text.find(':') != std::string::npos);
-    for (char& c : t)
-        if (c == 'h') c = ' ';
-    std::istringstream in(t);
-    double parts[3] = {0.0, 0.0, 0.0};
-    int n = 0;
-    while (n < 3 && in >> parts[n]) ++n;
-    std::string rest;
-    if (n == 0 || (in >> rest)) return std::nullopt;
-    const bool negative = text.find('-') != std::string::npos;
-    const double value = std::fabs(parts[0]) + parts[1] / 60.0 + parts[2] / 3600.0;
-    const double signedValue = negative ? -value : value;
-    if (!std::isfinite(signedValue)) return std::nullopt;
-    return hours ? signedValue * 15.0 : signedValue;
-}
-
 std::string FormatRa(double raRad)
 {
     const Sexagesimal s = SplitSexagesimal(mod2pi(raRad) / kRadPerHour, 2);
@@ -99,10 +75,11 @@ int RunStars(Context& ctx)
     const auto raText = ctx.args.Get("ra");
     const auto decText = ctx.args.Get("dec");
     if (!raText || !decText) return UsageError(ctx, "stars needs --ra and --dec (the field's centre, J2000)");
-    const auto raDeg = ParseAngleDeg(*raText, true);
-    const auto decDeg = ParseAngleDeg(*decText, false);
-    if (!raDeg || !decDeg || std::fabs(*decDeg) > 90.0) return UsageError(ctx, "--ra or --dec is not an angle");
     std::string error;
+    double centreRa = 0.0, centreDec = 0.0;
+    if (!ParseRightAscensionOption("ra", *raText, centreRa, error) ||
+        !ParseDegreesOption("dec", *decText, 90.0, centreDec, error))
+        return UsageError(ctx, "--ra or --dec is not an angle: " + error);
     const double radiusDeg = ctx.args.GetNumber("radius", error).value_or(1.0);
     const double limitMag = ctx.args.GetNumber("limit", error).value_or(9.0);
     if (!error.empty()) return UsageError(ctx, error);
@@ -114,7 +91,6 @@ int RunStars(Context& ctx)
     CTycho2Catalogue& catalogue = Tycho2Catalogue();
     if (!catalogue.OpenCatalogue()) return Fail(ctx, kNoCatalogue);
 
-    const double centreRa = mod2pi(*raDeg * kRadPerDeg), centreDec = *decDeg * kRadPerDeg;
     CCoordinates coords;
     coords.SetCentringMode(Centring::RaDec);
     coords.SetFieldDeg(radiusDeg);
@@ -168,7 +144,7 @@ int RunStars(Context& ctx)
         out["jdUT"] = observer.JulianDate();
         out["centre"] = PlaceJson(centreRaDate, centreDecDate);
         out["radiusDeg"] = radiusDeg;
-        out["limit"] = limitMag;
+        out["limitMag"] = limitMag;
         out["count"] = static_cast<int>(rows.size());
         out["stars"] = list;
         PrintJson(ctx.out, out);
@@ -310,8 +286,8 @@ int RunStar(Context& ctx)
 }  // namespace
 
 ORV_CLI_COMMAND("stars", "Tycho-2 stars of a field at a date",
-                "  --ra ANGLE      field centre, J2000 (degrees, or hours as 6.75h, 6h45m09s, 6:45:09)\n"
-                "  --dec ANGLE     field centre, J2000 (degrees, or -16:42:58)\n"
+                "  --ra HOURS      field centre, J2000 (6h45m09s, 6:45:09, 6.7525; degrees as 101.29d)\n"
+                "  --dec DEG       field centre, J2000 (-16.72, -16:42:58, -16d42m58s)\n"
                 "  --radius DEG    field radius (default 1)\n"
                 "  --limit MAG     faintest magnitude (default 9)\n"
                 "  --date YYYY-MM-DD --time HH:MM[:SS] [--utc], or --jd JD: the instant (default now)\n"

@@ -47,8 +47,6 @@ int RunTime(Context& ctx)
     if (const auto unknown = ctx.args.Unknown(known); !unknown.empty())
         return UsageError(ctx, "unknown option --" + unknown.front());
     if (!ctx.args.Positional().empty()) return UsageError(ctx, "unexpected \"" + ctx.args.Positional().front() + "\"");
-    if (ctx.args.Has("jd") && (ctx.args.Has("date") || ctx.args.Has("time")))
-        return UsageError(ctx, "give either --jd or --date/--time, not both");
     if (ctx.args.Has("longitude") && ctx.args.Has("lon")) return UsageError(ctx, "give either --longitude or --lon");
 
     // The default site and zone are the user's ("Observer" settings).
@@ -58,9 +56,7 @@ int RunTime(Context& ctx)
     if (!ApplySiteOptions(ctx, doc, error)) return UsageError(ctx, error);
     if (const auto text = ctx.args.Get("longitude")) {
         double longitudeRad = 0.0;
-        if (!ParseAngle(*text, AngleUnit::Degrees, longitudeRad) || std::fabs(longitudeRad) > kPi + 1e-12)
-            return UsageError(ctx, "--longitude needs degrees between -180 and +180 (east positive), not \"" +
-                                       *text + "\"");
+        if (!ParseDegreesOption("longitude", *text, 180.0, longitudeRad, error)) return UsageError(ctx, error);
         doc.SetSite(ctx.args.Get("site").value_or(""), doc.LatitudeRad(), longitudeRad, doc.HeightM());
     }
     if (!ApplyTimeOptions(ctx, doc, error)) return UsageError(ctx, error);

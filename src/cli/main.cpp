@@ -118,7 +118,8 @@ void PrintHelp(std::ostream& out)
     std::sort(commands.begin(), commands.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
     for (const auto& c : commands) out << "  " << c.name << std::string(c.name.size() < 16 ? 16 - c.name.size() : 1, ' ') << c.summary << '\n';
     out << "\nglobal options:\n"
-           "  --json           machine-readable output\n"
+           "  --json           machine-readable output (keys camelCase with their unit: raDeg, jdUT)\n"
+           "  --csv            tables as comma-separated values (the commands that print tables)\n"
            "  --settings FILE  use this settings file instead of the user's\n"
            "  --data DIR       use this data folder (as ORVANE_DATA)\n"
            "orvane-cli <command> --help shows a command's options.\n";
@@ -188,7 +189,7 @@ int main(int argc, char** argv)
     static const std::vector<std::string> kFlags{"json", "help", "all", "visible", "catalogue-only", "utc",
                                                  "apparent", "alt-az", "night", "no-refraction", "yes",
                                                  "no-age-check", "orbit", "any", "no-min-alt", "full", "summary",
-                                                 "mono", "list-formats"};
+                                                 "mono", "list-formats", "csv"};
     orv::cli::CArgs args(words, kFlags);
     std::string settingsPath = args.Get("settings").value_or("");
     if (auto data = args.Get("data")) setenv("ORVANE_DATA", data->c_str(), 1);

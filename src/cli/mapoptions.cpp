@@ -61,14 +61,8 @@ bool ApplyMapOptions(const Context& ctx, CMapView& view, MapSource source, std::
             error = "--ra and --dec go together";
             return false;
         }
-        if (!ParseAngle(*ra, AngleUnit::Hours, raRad)) {
-            error = "--ra is not an angle: " + *ra;
+        if (!ParseRightAscensionOption("ra", *ra, raRad, error) || !ParseDegreesOption("dec", *dec, 90.0, decRad, error))
             return false;
-        }
-        if (!ParseAngle(*dec, AngleUnit::Degrees, decRad) || std::fabs(decRad) > kHalfPi) {
-            error = "--dec is not a declination: " + *dec;
-            return false;
-        }
         view.coordinates.SetCentringMode(Centring::RaDec);
         view.coordinates.SetCentreRaDec(doc.observer, raRad, decRad);
     } else if (alt || az) {
@@ -77,14 +71,9 @@ bool ApplyMapOptions(const Context& ctx, CMapView& view, MapSource source, std::
             error = "--alt and --az go together";
             return false;
         }
-        if (!ParseAngle(*alt, AngleUnit::Degrees, altRad) || std::fabs(altRad) > kHalfPi) {
-            error = "--alt is not an altitude: " + *alt;
+        if (!ParseDegreesOption("alt", *alt, 90.0, altRad, error) || !ParseDegreesOption("az", *az, 360.0, azRad, error))
             return false;
-        }
-        if (!ParseAngle(*az, AngleUnit::Degrees, azRad)) {
-            error = "--az is not an azimuth: " + *az;
-            return false;
-        }
+        azRad = mod2pi(azRad);
         view.coordinates.SetCentringMode(Centring::AltAz);
         view.coordinates.SetCentreAltAz(doc.observer, altRad, azRad);
     } else {

@@ -34,7 +34,7 @@ extern const std::vector<std::string> kMapOptionNames;
 // Usage lines of those options, for the commands' help texts (a literal, so
 // that it joins the commands' own usage literals).
 #define ORV_CLI_MAP_OPTIONS_USAGE                                                                                  \
-    "  --ra ANGLE --dec ANGLE  centre, J2000 (\"5h35m17s\", \"83.82d\", \"-5:23:28\"); holds the centre in RA/Dec\n" \
+    "  --ra HOURS --dec DEG  centre, J2000 (\"5h35m17s\", \"5:35:17\", \"5.588\" or \"83.82d\"; \"-5:23:28\"); holds it in RA/Dec\n" \
     "  --alt DEG --az DEG    centre in altitude and azimuth (azimuth from north through east)\n"                    \
     "  --field DEG           degrees from the centre to the top edge (the level follows)\n"                         \
     "  --level N             level 1-10 with its field\n"                                                           \

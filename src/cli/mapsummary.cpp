@@ -79,7 +79,38 @@ void PrintValue(std::ostream& out, const QJsonValue& v)
     }
 }
 
+// "RADecGrid" → "raDecGrid", "LASTHours" → "lastHours", "StarMagLimit" →
+// "starMagLimit", "JdUT" → "jdUT": the leading word (or leading acronym) in
+// lower case, the rest as written.
+QString LeadingWordLower(const QString& key)
+{
+    qsizetype upper = 0;
+    while (upper < key.size() && key[upper].isUpper()) ++upper;
+    // An acronym followed by a word: the word's capital stays ("RADec").
+    qsizetype lowered = upper > 1 && upper < key.size() && key[upper].isLower() ? upper - 1 : upper;
+    if (lowered == 0) lowered = 1;
+    return key.left(lowered).toLower() + key.mid(lowered);
+}
+
+QJsonValue CamelCase(const QJsonValue& v)
+{
+    if (v.isObject()) return CamelCaseKeys(v.toObject());
+    if (v.isArray()) {
+        QJsonArray out;
+        for (const QJsonValue& item : v.toArray()) out.append(CamelCase(item));
+        return out;
+    }
+    return v;
+}
+
 }  // namespace
+
+QJsonObject CamelCaseKeys(const QJsonObject& object)
+{
+    QJsonObject out;
+    for (auto it = object.begin(); it != object.end(); ++it) out[LeadingWordLower(it.key())] = CamelCase(it.value());
+    return out;
+}
 
 QJsonObject DescribeMap(const CMapView& view)
 {
@@ -109,15 +140,15 @@ QJsonObject DescribeMap(const CMapView& view)
                                      {"TimeZoneHours", obs.TimeZoneHours()},
                                      {"DaylightSaving", obs.DaylightSaving()},
                                      {"LocalTime", QString::fromLatin1(when)},
-                                     {"JulianDateUT", obs.JulianDate()},
-                                     {"JulianDateTT", obs.JulianDateTDT()},
+                                     {"JdUT", obs.JulianDate()},
+                                     {"JdTT", obs.JulianDateTDT()},
                                      {"DeltaTSeconds", obs.DeltaT()},
                                      {"LASTHours", obs.LAST()}};
 
     blocks["Coordinates"] = QJsonObject{
-        {"CentreRAJ2000", Str(FormatHms(c.CentreRaJ2000Rad(), 2))},
+        {"CentreRaJ2000", Str(FormatHms(c.CentreRaJ2000Rad(), 2))},
         {"CentreDecJ2000", Str(FormatDms(c.CentreDecJ2000Rad(), 1, true))},
-        {"CentreRAJ2000Deg", c.CentreRaJ2000Rad() * kDegPerRad},
+        {"CentreRaJ2000Deg", c.CentreRaJ2000Rad() * kDegPerRad},
         {"CentreDecJ2000Deg", c.CentreDecJ2000Rad() * kDegPerRad},
         {"CentreAltDeg", c.CentreAltRad() * kDegPerRad},
         {"CentreAzDeg", c.CentreAzRad() * kDegPerRad},

@@ -12,7 +12,12 @@ class CMapView;
 
 namespace orv::cli {
 
+// Keys are the names of the map file's blocks and the settings ("AreaMap",
+// "StarMagLimit"), so that the text form matches the settings file.
 QJsonObject DescribeMap(const CMapView& view);
+// The same object with every key in the command line's JSON style: the
+// leading word in lower case ("areaMap", "starMagLimit", "raDecGrid").
+QJsonObject CamelCaseKeys(const QJsonObject& object);
 // Text form: one "[block]" heading per top-level object, then "key = value" lines.
 void PrintBlocks(std::ostream& out, const QJsonObject& blocks);
 

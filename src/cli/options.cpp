@@ -10,7 +10,7 @@ namespace orv::cli {
 
 const std::vector<std::string> kSiteOptionNames{"lat", "lon", "height", "site", "zone", "dst"};
 const std::vector<std::string> kTimeOptionNames{"jd", "date", "time", "utc"};
-const std::vector<std::string> kGlobalOptionNames{"json", "settings", "data", "help"};
+const std::vector<std::string> kGlobalOptionNames{"json", "csv", "settings", "data", "help"};
 
 std::vector<std::string> OptionNames(std::initializer_list<const std::vector<std::string>*> lists,
                                      std::initializer_list<const char*> more)
@@ -19,6 +19,52 @@ std::vector<std::string> OptionNames(std::initializer_list<const std::vector<std
     for (const auto* l : lists) out.insert(out.end(), l->begin(), l->end());
     for (const char* m : more) out.emplace_back(m);
     return out;
+}
+
+namespace {
+
+// An "h" anywhere marks hours; degree options refuse it rather than read
+// "5h" as 5 degrees.
+bool HasHourMark(const std::string& text) { return text.find_first_of("hH") != std::string::npos; }
+
+}  // namespace
+
+bool ParseRightAscensionOption(const std::string& option, const std::string& text, double& raRad,
+                               std::string& error)
+{
+    const std::string forms = "hours as 5h35m17s, 5:35:17 or 5.588, or degrees as 83.8d";
+    double rad = 0.0;
+    if (!ParseAngle(text, AngleUnit::Hours, rad)) {
+        error = "--" + option + " is not a right ascension: \"" + text + "\" (give " + forms + ")";
+        return false;
+    }
+    if (rad < 0.0) {
+        error = "--" + option + " " + text + ": a right ascension runs from 0 to 24 hours (give " + forms + ")";
+        return false;
+    }
+    // Checked in the unit the user wrote: 24 hours is 360 degrees.
+    if (rad > kTwoPi * (1.0 + 1e-15)) {
+        const bool degrees = text.find_first_of("dD") != std::string::npos || text.find("\xC2\xB0") != std::string::npos;
+        error = "--" + option + " " + text + " is more than " + (degrees ? "360 degrees" : "24 hours") +
+                ": a right ascension is read as hours unless marked as degrees (give " + forms + ")";
+        return false;
+    }
+    raRad = mod2pi(rad);
+    return true;
+}
+
+bool ParseDegreesOption(const std::string& option, const std::string& text, double limitDeg, double& angleRad,
+                        std::string& error)
+{
+    double rad = 0.0;
+    if (HasHourMark(text) || !ParseAngle(text, AngleUnit::Degrees, rad) || std::fabs(rad) > limitDeg * kRadPerDeg * (1.0 + 1e-15)) {
+        char limit[32];
+        std::snprintf(limit, sizeof limit, "%g", limitDeg);
+        error = "--" + option + " needs degrees between -" + limit + " and +" + limit + " (as -5.39, -5:23:28 or -5d23m28s), not \"" + text + "\"";
+        return false;
+    }
+    angleRad = rad;
+    return true;
 }
 
 bool ParseDate(const std::string& text, CivilDateTime& date)
@@ -58,17 +104,11 @@ bool ApplySiteOptions(const Context& ctx, CObserverDoc& observer, std::string& e
     double lat = observer.LatitudeRad(), lon = observer.LongitudeRad(), height = observer.HeightM();
     std::string name = observer.SiteName();
     if (auto v = ctx.args.Get("lat")) {
-        if (!ParseAngle(*v, AngleUnit::Degrees, lat) || std::fabs(lat) > kHalfPi) {
-            error = "--lat needs a latitude between -90 and +90 degrees, not \"" + *v + "\"";
-            return false;
-        }
+        if (!ParseDegreesOption("lat", *v, 90.0, lat, error)) return false;
         name = ctx.args.Get("site").value_or("");
     }
     if (auto v = ctx.args.Get("lon")) {
-        if (!ParseAngle(*v, AngleUnit::Degrees, lon) || std::fabs(lon) > kPi + 1e-12) {
-            error = "--lon needs a longitude between -180 and +180 degrees (east positive), not \"" + *v + "\"";
-            return false;
-        }
+        if (!ParseDegreesOption("lon", *v, 180.0, lon, error)) return false;
         name = ctx.args.Get("site").value_or("");
     }
     if (auto v = ctx.args.GetNumber("height", error)) {
@@ -96,6 +136,10 @@ bool ApplySiteOptions(const Context& ctx, CObserverDoc& observer, std::string& e
 
 bool ApplyTimeOptions(const Context& ctx, CObserverDoc& observer, std::string& error)
 {
+    if (ctx.args.Has("jd") && (ctx.args.Has("date") || ctx.args.Has("time"))) {
+        error = "give either --jd or --date/--time, not both";
+        return false;
+    }
     if (auto jd = ctx.args.GetNumber("jd", error)) {
         observer.SetJulianDate(*jd);
         return true;

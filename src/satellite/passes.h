@@ -15,6 +15,7 @@
 #include "satellite/groundtrack.h"
 #include "satellite/satsettings.h"
 #include "satellite/topocentric.h"
+#include "util/progress.h"
 
 namespace orv {
 class CObserverDoc;
@@ -48,8 +49,8 @@ struct SatellitePass {
 };
 
 // Progress of a long search: the fraction done (0-1); Cancel stops it.
-enum class ProgressAnswer { Continue, Cancel };
-using ProgressFn = std::function<ProgressAnswer(double fractionDone)>;
+using orv::ProgressAnswer;
+using orv::ProgressFn;
 
 struct PassSearchCallbacks {
     EpochAgeQuestionFn askEpochAge;  // empty: proceed

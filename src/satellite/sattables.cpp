@@ -2,11 +2,9 @@
 
 #include <cmath>
 #include <cstdio>
-#include <span>
 
 #include "satellite/sattime.h"
 #include "util/angles.h"
-#include "util/atomicfile.h"
 
 namespace orv::sat {
 
@@ -25,6 +23,41 @@ std::string FormatDms(double angleRad, int degreeDigits, char positive, char neg
     const Sexagesimal s = SplitSexagesimal(std::fabs(angleRad) * kDegPerRad, 0);
     const char hemisphere = angleRad < 0.0 && (s.units != 0 || s.minutes != 0 || s.seconds != 0.0) ? negative : positive;
     return Format("%0*d\xC2\xB0%02d'%02d\"%c", degreeDigits, s.units, s.minutes, static_cast<int>(s.seconds), hemisphere);
+}
+
+// Machine-readable names carry the unit: "heightKm", "rangeRateMiPerS".
+std::string DistanceKeySuffix(DistanceUnit unit)
+{
+    switch (unit) {
+    case DistanceUnit::Kilometres: return "Km";
+    case DistanceUnit::Miles: return "Mi";
+    case DistanceUnit::NauticalMiles: return "Nmi";
+    }
+    return "";
+}
+
+std::string SpeedKeySuffix(SpeedUnit unit)
+{
+    switch (unit) {
+    case SpeedUnit::KilometresPerSecond: return "KmPerS";
+    case SpeedUnit::KilometresPerHour: return "KmPerH";
+    case SpeedUnit::MilesPerSecond: return "MiPerS";
+    case SpeedUnit::MilesPerHour: return "MiPerH";
+    }
+    return "";
+}
+
+// The time column: the site's civil time shown, the Julian date (UT) kept.
+ResultColumn TimeColumn(const char* sample, const char* datePattern)
+{
+    return {"Time", "jdUT", "d", CellAlign::Left, sample, datePattern,
+            {"The date and time of the position, in the site's civil time;", "the value is the Julian date (UT)."}};
+}
+
+ResultColumn IlluminationColumn()
+{
+    return {"Illumination", "illumination", "", CellAlign::Left, "Penumbra  ", {},
+            {"Sunlit, Penumbra or Umbra: the satellite in sunlight or in the Earth's shadow."}};
 }
 
 std::string DateRange(double startJd, double endJd, double offset)
@@ -71,17 +104,28 @@ SatelliteTable MakeGroundTrackTable(const SatelliteRecord& record, const GroundT
     SatelliteTable table;
     const double start = track.points.empty() ? track.endJdUT : track.points.front().jdUT;
     table.title = "Ground track of " + record.name + " " + DateRange(start, track.endJdUT, localOffsetHours);
-    table.headings = {"Time",
-                      "Latitude",
-                      "Longitude",
-                      std::string("Height (") + DistanceUnitName(settings.distanceUnit) + ")",
-                      std::string("Speed (") + SpeedUnitName(settings.speedUnit) + ")",
-                      "Illumination"};
+    table.timeBase = TimeBaseText(localOffsetHours);
+    const char* distance = DistanceUnitName(settings.distanceUnit);
+    const char* speed = SpeedUnitName(settings.speedUnit);
+    table.columns = {
+        TimeColumn("00 May 0000 00:00  ", "DD MMM YYYY hh:mm"),
+        {"Latitude", "latitudeDeg", "deg", CellAlign::Left, "00\xC2\xB0" "00'00\"N  ", {},
+         {"Geodetic latitude of the point below the satellite (WGS 72)."}},
+        {"Longitude", "longitudeDeg", "deg", CellAlign::Left, "000\xC2\xB0" "00'00\"W  ", {},
+         {"Longitude of the point below the satellite, east positive."}},
+        {std::string("Height (") + distance + ")", "height" + DistanceKeySuffix(settings.distanceUnit), distance,
+         CellAlign::Right, "99999.9  ", {}, {"Height of the satellite above the ellipsoid."}},
+        {std::string("Speed (") + speed + ")", "speed" + SpeedKeySuffix(settings.speedUnit), speed, CellAlign::Right,
+         "99999.999  ", {}, {"Speed of the satellite in the TEME frame (inertial)."}},
+        IlluminationColumn()};
     for (const GroundTrackPoint& p : track.points) {
-        table.rows.push_back(TableRow{{FormatTrackTime(p.jdUT, localOffsetHours), FormatLatitude(p.latitudeRad),
-                                       FormatLongitude(p.longitudeRad),
-                                       Format("%7.1lf", ConvertDistance(p.heightKm, settings.distanceUnit)),
-                                       Format("%.3lf", ConvertSpeed(p.speedKmPerS, settings.speedUnit)),
+        const double height = ConvertDistance(p.heightKm, settings.distanceUnit);
+        const double v = ConvertSpeed(p.speedKmPerS, settings.speedUnit);
+        table.rows.push_back(TableRow{{ResultCell::Number(p.jdUT, FormatTrackTime(p.jdUT, localOffsetHours)),
+                                       ResultCell::Number(p.latitudeRad * kDegPerRad, FormatLatitude(p.latitudeRad)),
+                                       ResultCell::Number(p.longitudeRad * kDegPerRad, FormatLongitude(p.longitudeRad)),
+                                       ResultCell::Number(height, Format("%7.1lf", height)),
+                                       ResultCell::Number(v, Format("%.3lf", v)),
                                        IlluminationName(p.illumination)}});
     }
     return table;
@@ -102,27 +146,39 @@ SatelliteTable MakePassTable(const std::vector<SatelliteRecord>& records, const 
         title += " of " + name;
     }
     table.title = title + " " + DateRange(result.startJdUT, result.endJdUT, localOffsetHours);
-    if (all) table.headings.push_back("Satellite");
-    const std::vector<std::string> columns = {"Time",
-                                              "Altitude",
-                                              "Azimuth",
-                                              std::string("Range (") + DistanceUnitName(settings.distanceUnit) + ")",
-                                              std::string("Rate (") + DistanceUnitName(settings.distanceUnit) + "/s)",
-                                              "Illumination"};
-    table.headings.insert(table.headings.end(), columns.begin(), columns.end());
+    table.timeBase = TimeBaseText(localOffsetHours);
+    if (all) table.columns.push_back({"Satellite", "satellite", "", CellAlign::Left, "", {}, {"Name of the satellite."}});
+    const char* distance = DistanceUnitName(settings.distanceUnit);
+    const std::string distanceKey = DistanceKeySuffix(settings.distanceUnit);
+    const std::vector<ResultColumn> columns = {
+        TimeColumn("00 May 0000 00:00:00  ", "DD MMM YYYY hh:mm:ss"),
+        // The pass table's columns are sized from these samples and headings.
+        {"Altitude", "altitudeDeg", "deg", CellAlign::Right, "99.9\xC2\xB0  ", {},
+         {"Altitude above the horizon, with refraction."}},
+        {"Azimuth", "azimuthDeg", "deg", CellAlign::Right, "999.9\xC2\xB0  ", {},
+         {"Azimuth from north through east."}},
+        {std::string("Range (") + distance + ")", "range" + distanceKey, distance, CellAlign::Right, "Range", {},
+         {"Distance from the site to the satellite."}},
+        {std::string("Rate (") + distance + "/s)", "rangeRate" + distanceKey + "PerS", std::string(distance) + "/s",
+         CellAlign::Right, "Rate", {}, {"Rate of change of the range; negative while the satellite approaches."}},
+        IlluminationColumn()};
+    table.columns.insert(table.columns.end(), columns.begin(), columns.end());
 
     auto addPoint = [&](const SatellitePass& pass, const PassPoint& p) {
         TableRow row;
         if (all && pass.satelliteIndex >= 0 && pass.satelliteIndex < static_cast<int>(records.size()))
-            row.cells.push_back(records[static_cast<std::size_t>(pass.satelliteIndex)].name);
+            row.cells.emplace_back(records[static_cast<std::size_t>(pass.satelliteIndex)].name);
         else if (all)
             row.cells.emplace_back();
-        row.cells.push_back(FormatPassTime(p.jdUT, localOffsetHours));
-        row.cells.push_back(Format("%4.1lf\xC2\xB0", p.elevationRad * kDegPerRad));
-        row.cells.push_back(Format("%5.1lf\xC2\xB0", p.azimuthRad * kDegPerRad));
-        row.cells.push_back(Format("%.3lf", ConvertDistance(p.rangeKm, settings.distanceUnit)));
-        row.cells.push_back(Format("%.3lf", ConvertDistance(p.rangeRateKmPerS, settings.distanceUnit)));
-        row.cells.push_back(IlluminationName(p.illumination));
+        const double altitudeDeg = p.elevationRad * kDegPerRad, azimuthDeg = p.azimuthRad * kDegPerRad;
+        const double range = ConvertDistance(p.rangeKm, settings.distanceUnit);
+        const double rate = ConvertDistance(p.rangeRateKmPerS, settings.distanceUnit);
+        row.cells.push_back(ResultCell::Number(p.jdUT, FormatPassTime(p.jdUT, localOffsetHours)));
+        row.cells.push_back(ResultCell::Number(altitudeDeg, Format("%4.1lf\xC2\xB0", altitudeDeg)));
+        row.cells.push_back(ResultCell::Number(azimuthDeg, Format("%5.1lf\xC2\xB0", azimuthDeg)));
+        row.cells.push_back(ResultCell::Number(range, Format("%.3lf", range)));
+        row.cells.push_back(ResultCell::Number(rate, Format("%.3lf", rate)));
+        row.cells.emplace_back(IlluminationName(p.illumination));
         table.rows.push_back(std::move(row));
     };
 
@@ -158,27 +214,13 @@ std::vector<std::string> TooManyPointsNotices(const std::vector<SatelliteRecord>
     return out;
 }
 
-std::string TableText(const SatelliteTable& table, LineEnding ending)
+std::string TimeBaseText(double localOffsetHours)
 {
-    const char* eol = ending == LineEnding::CrLf ? "\r\n" : "\n";
-    std::string text = table.title + eol + eol;
-    for (const TableRow& row : table.rows) {
-        for (std::size_t i = 0; i < row.cells.size(); ++i) {
-            if (i > 0) text += '\t';
-            text += row.cells[i];
-        }
-        text += eol;
-    }
+    const int minutes = static_cast<int>(std::lround(std::fabs(localOffsetHours) * 60.0));
+    if (minutes == 0) return "UT";
+    std::string text = Format("UT%c%d", localOffsetHours < 0.0 ? '-' : '+', minutes / 60);
+    if (minutes % 60 != 0) text += Format(":%02d", minutes % 60);
     return text;
-}
-
-std::optional<std::string> SaveTableReport(const SatelliteTable& table, const std::string& path)
-{
-    const std::string text = TableText(table, LineEnding::Lf);
-    const AtomicWriteResult written = WriteFileAtomically(
-        path, std::span<const std::uint8_t>(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
-    if (!written.ok) return CannotCreateFileMessage(path);
-    return std::nullopt;
 }
 
 }  // namespace orv::sat

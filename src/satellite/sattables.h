@@ -1,7 +1,8 @@
-// The satellite tables as the windows show them: rows of formatted cells for
-// the ground track and the passes, the sheets' titles, and the text written
-// by Save (a file) and Copy (the clipboard). Times are shown in the site's
-// local civil time, UT + `localOffsetHours`.
+// The satellite tables as the windows show them: result tables (see
+// util/resulttable.h) for the ground track and the passes with the sheets'
+// titles, and the text written by Save (a file) and Copy (the clipboard).
+// Times are shown in the site's local civil time, UT + `localOffsetHours`;
+// their cells hold the Julian date (UT) as their value.
 #pragma once
 
 #include <optional>
@@ -11,18 +12,13 @@
 #include "satellite/groundtrack.h"
 #include "satellite/passes.h"
 #include "satellite/satsettings.h"
+#include "util/resulttable.h"
 
 namespace orv::sat {
 
-struct TableRow {
-    std::vector<std::string> cells;
-};
-
-struct SatelliteTable {
-    std::string title;
-    std::vector<std::string> headings;
-    std::vector<TableRow> rows;
-};
+using SatelliteTable = ResultTable;
+using TableRow = ResultRow;
+using orv::LineEnding;
 
 // Cell formats.
 // "%02d %s %4d %02d:%02d" (day, month abbreviation, year, hours, minutes).
@@ -60,12 +56,18 @@ std::vector<std::string> TooManyPointsNotices(const std::vector<SatelliteRecord>
                                               const PassSearchResult& result);
 
 // Save: the title written with "%s\n\n", then one line a row (cells joined by
-// tabs). Copy: the same with "\r\n" line ends.
-enum class LineEnding { Lf, CrLf };
-std::string TableText(const SatelliteTable& table, LineEnding ending);
+// tabs). Copy: the same with "\r\n" line ends. These are the result table's
+// text report, which the satellite tables write without a heading line.
+inline std::string TableText(const SatelliteTable& table, LineEnding ending) { return ReportText(table, ending); }
 
 // Writes the Save text to `path` (replacing it atomically). Returns the
 // error message "Unable to create file\n\"<path>\"" on failure.
-std::optional<std::string> SaveTableReport(const SatelliteTable& table, const std::string& path);
+inline std::optional<std::string> SaveTableReport(const SatelliteTable& table, const std::string& path)
+{
+    return SaveReport(table, path);
+}
+
+// The time base of the tables' dates for a data table: "UT", "UT-4", "UT+5:30".
+std::string TimeBaseText(double localOffsetHours);
 
 }  // namespace orv::sat

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iomanip>
 #include <mutex>
 #include <numbers>
@@ -83,6 +84,14 @@ std::string MakeTempDir()
     std::lock_guard lock(g_tempDirs.mutex);
     g_tempDirs.paths.push_back(p);
     return p.string();
+}
+
+std::string ReadFileBytes(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
 }
 
 }  // namespace orv::test

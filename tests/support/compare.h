@@ -38,6 +38,8 @@ std::string TestDataDir();
 // A fresh empty folder below the system's temporary folder, removed when the
 // process ends.
 std::string MakeTempDir();
+// The whole of a file, byte for byte (empty when it cannot be read).
+std::string ReadFileBytes(const std::string& path);
 
 }  // namespace orv::test
 

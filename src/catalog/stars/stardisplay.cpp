@@ -256,22 +256,37 @@ std::string StarListCell(const VisibleStarRow& row, int column)
     }
 }
 
+ResultTable VisibleStarsTable(const std::vector<VisibleStarRow>& rows)
+{
+    ResultTable table;
+    table.title = "Stars Visible on the Map";
+    table.reportHeadings = HeadingLine::Include;
+    table.columns = {{StarListHeading(0), "designation", "", CellAlign::Left, "", {}, {}},
+                     {StarListHeading(1), "magnitude", "mag", CellAlign::Right, "", {}, {}},
+                     {StarListHeading(2), "bv", "mag", CellAlign::Right, "", {}, {}},
+                     {StarListHeading(3), "variable", "", CellAlign::Centre, "", {}, {}},
+                     {StarListHeading(4), "double", "", CellAlign::Centre, "", {}, {}},
+                     {StarListHeading(5), "raJ2000Deg", "deg", CellAlign::Right, "", {}, {}},
+                     {StarListHeading(6), "decJ2000Deg", "deg", CellAlign::Right, "", {}, {}}};
+    table.rows.reserve(rows.size());
+    for (const VisibleStarRow& star : rows) {
+        ResultRow row;
+        row.cells.emplace_back(StarListCell(star, 0));
+        row.cells.push_back(ResultCell::Number(star.magCenti / 100.0, StarListCell(star, 1)));
+        row.cells.push_back(star.bvMilli == tycho2::kNoColour ? ResultCell()
+                                                              : ResultCell::Number(star.bvMilli / 1000.0, StarListCell(star, 2)));
+        row.cells.emplace_back(StarListCell(star, 3));
+        row.cells.emplace_back(StarListCell(star, 4));
+        row.cells.push_back(ResultCell::Number(star.raJ2000Rad * kDegPerRad, StarListCell(star, 5)));
+        row.cells.push_back(ResultCell::Number(star.decJ2000Rad * kDegPerRad, StarListCell(star, 6)));
+        table.rows.push_back(std::move(row));
+    }
+    return table;
+}
+
 std::string VisibleStarsListing(const std::vector<VisibleStarRow>& rows)
 {
-    std::string out = "Stars Visible on the Map\n\n";
-    for (int c = 0; c < kStarListColumns; ++c) {
-        if (c) out += '\t';
-        out += StarListHeading(c);
-    }
-    out += '\n';
-    for (const VisibleStarRow& row : rows) {
-        for (int c = 0; c < kStarListColumns; ++c) {
-            if (c) out += '\t';
-            out += StarListCell(row, c);
-        }
-        out += '\n';
-    }
-    return out;
+    return ReportText(VisibleStarsTable(rows), LineEnding::Lf);
 }
 
 }  // namespace orv

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "catalog/stars/tycho2format.h"
+#include "util/resulttable.h"
 
 namespace orv {
 
@@ -149,7 +150,6 @@ enum class StarListSort {
     Double,         // second flag column
     Constellation,  // constellation only
 };
-enum class SortDirection { Ascending = 1, Descending = -1 };
 
 // Stable sort of the rows; the direction factor multiplies every comparison.
 void SortVisibleStars(std::vector<VisibleStarRow>& rows, StarListSort by, SortDirection direction);
@@ -164,8 +164,13 @@ const char* StarListHeading(int column);
 // The text of one cell (the list window and the text listing).
 std::string StarListCell(const VisibleStarRow& row, int column);
 
-// The text listing: "Stars Visible on the Map", a blank line, then one line a
-// star with the columns separated by tabs.
+// The list as a result table, in the order of `rows`: the cells of
+// StarListCell, magnitudes, colours and places also as numbers (degrees for
+// the J2000 place), the headings in the text report.
+ResultTable VisibleStarsTable(const std::vector<VisibleStarRow>& rows);
+
+// The text listing: "Stars Visible on the Map", a blank line, the headings,
+// then one line a star with the columns separated by tabs.
 std::string VisibleStarsListing(const std::vector<VisibleStarRow>& rows);
 
 }  // namespace orv
