@@ -49,13 +49,14 @@ bool CCurveTracer::NeedsSplit(const ScreenPoint& a, const ScreenPoint& m, const 
     return true;
 }
 
-bool CCurveTracer::ClipSegment(ScreenPoint& a, ScreenPoint& b, bool& aClipped, bool& bClipped) const
+bool ClipSegmentToRect(ScreenPoint& a, ScreenPoint& b, double x0, double y0, double x1, double y1, bool& aClipped,
+                       bool& bClipped)
 {
     // Liang-Barsky: the parameter range [t0, t1] of a + t(b − a) inside.
     const double dx = b.x - a.x, dy = b.y - a.y;
     double t0 = 0.0, t1 = 1.0;
     const double p[4] = {-dx, dx, -dy, dy};
-    const double q[4] = {a.x - m_x0, m_x1 - a.x, a.y - m_y0, m_y1 - a.y};
+    const double q[4] = {a.x - x0, x1 - a.x, a.y - y0, y1 - a.y};
     for (int i = 0; i < 4; ++i) {
         if (p[i] == 0.0) {
             if (q[i] < 0.0) return false;
@@ -76,6 +77,11 @@ bool CCurveTracer::ClipSegment(ScreenPoint& a, ScreenPoint& b, bool& aClipped, b
     if (aClipped) a = {a0.x + t0 * dx, a0.y + t0 * dy};
     if (bClipped) b = {a0.x + t1 * dx, a0.y + t1 * dy};
     return true;
+}
+
+bool CCurveTracer::ClipSegment(ScreenPoint& a, ScreenPoint& b, bool& aClipped, bool& bClipped) const
+{
+    return ClipSegmentToRect(a, b, m_x0, m_y0, m_x1, m_y1, aClipped, bClipped);
 }
 
 void CCurveTracer::Emit(ScreenPoint a, ScreenPoint b, Session& s) const

@@ -32,6 +32,13 @@ struct TracedCurve {
     bool Empty() const { return polylines.empty(); }
 };
 
+// Liang-Barsky clipping of the segment a→b to the rectangle
+// [x0, x1] × [y0, y1] (pixels). False when nothing of it is inside;
+// otherwise the clipped ends and whether each end was moved onto the border.
+// Every line of the chart (grids, curves, plotted paths) is clipped by this.
+bool ClipSegmentToRect(ScreenPoint& a, ScreenPoint& b, double x0, double y0, double x1, double y1, bool& aClipped,
+                       bool& bClipped);
+
 class CCurveTracer {
 public:
     // `capRadiusRad`: the angular radius around the chart centre inside which

@@ -10,6 +10,7 @@
 #include <cstdio>
 
 #include "map/chartframe.h"
+#include "map/curvetrace.h"
 #include "map/skyframes.h"
 #include "observer/observer.h"
 #include "satellite/passes.h"
@@ -52,32 +53,14 @@ bool ProjectUsable(const CChartFrame& frame, const double v[3], double minCos, S
     return frame.ToScreen(v, s) && std::isfinite(s.x) && std::isfinite(s.y);
 }
 
-// Liang-Barsky clipping of the segment a-b to the rectangle; false when
-// nothing of it is inside.
+// The chart's segment clipping (a wholly clipped end lands on the border), on Qt's points.
 bool ClipSegment(QPointF& a, QPointF& b, const QRectF& r)
 {
-    const double dx = b.x() - a.x(), dy = b.y() - a.y();
-    double t0 = 0.0, t1 = 1.0;
-    const double p[4] = {-dx, dx, -dy, dy};
-    const double q[4] = {a.x() - r.left(), r.right() - a.x(), a.y() - r.top(), r.bottom() - a.y()};
-    for (int i = 0; i < 4; ++i) {
-        if (p[i] == 0.0) {
-            if (q[i] < 0.0) return false;
-            continue;
-        }
-        const double t = q[i] / p[i];
-        if (p[i] < 0.0) {
-            if (t > t1) return false;
-            t0 = std::max(t0, t);
-        } else {
-            if (t < t0) return false;
-            t1 = std::min(t1, t);
-        }
-    }
-    const QPointF start(a.x() + t0 * dx, a.y() + t0 * dy);
-    const QPointF end(a.x() + t1 * dx, a.y() + t1 * dy);
-    a = start;
-    b = end;
+    ScreenPoint sa{a.x(), a.y()}, sb{b.x(), b.y()};
+    bool aClipped = false, bClipped = false;
+    if (!ClipSegmentToRect(sa, sb, r.left(), r.top(), r.right(), r.bottom(), aClipped, bClipped)) return false;
+    a = QPointF(sa.x, sa.y);
+    b = QPointF(sb.x, sb.y);
     return true;
 }
 
