@@ -43,15 +43,14 @@ private:
     static constexpr LayerSlot kSlots[] = {LayerSlot::EclipticGrid};
 };
 
+void TakesNoPlace(DrawContext&) {}
+
 // The other layers of the map draw in one place with one function each.
-template <LayerSlot Slot, void (*DrawFn)(DrawContext&), void (*PrepareFn)(DrawContext&) = nullptr>
+template <LayerSlot Slot, void (*DrawFn)(DrawContext&), void (*PrepareFn)(DrawContext&) = TakesNoPlace>
 class CSimpleLayer final : public IChartLayer {
 public:
     std::span<const LayerSlot> Slots() const override { return kSlots; }
-    void Prepare(DrawContext& ctx) override
-    {
-        if constexpr (PrepareFn != nullptr) PrepareFn(ctx);
-    }
+    void Prepare(DrawContext& ctx) override { PrepareFn(ctx); }
     void Draw(DrawContext& ctx, LayerSlot) override { DrawFn(ctx); }
 
 private:
