@@ -19,14 +19,6 @@ using namespace constfile;
 constexpr double kRadPerSecTime = kTwoPi / 86400.0;
 constexpr double kRadPerArcmin = kRadPerArcsec * 60.0;
 
-// Maps a data file; Missing when it is absent.
-ConstFileStatus MapDataFile(std::string_view name, CMappedFile& file)
-{
-    std::string path;
-    if (!LocateDataFile(name, path) || !file.Open(path)) return ConstFileStatus::Missing;
-    return ConstFileStatus::Ok;
-}
-
 std::string FixedText(const std::uint8_t* p, std::size_t width)
 {
     std::size_t n = 0;
@@ -153,12 +145,21 @@ void J2000ToB1875(const CObserverDoc& observer, double raJ2000Rad, double decJ20
     raB1875Rad = mod2pi(raB1875Rad);
 }
 
+// Maps a data file; Missing when it is absent.
+ConstFileStatus CConstellationCatalogue::Map(std::string_view name, CMappedFile& file) const
+{
+    std::string path;
+    const bool found = m_folder.empty() ? LocateDataFile(name, path) : ResolveCaseInsensitive(m_folder, name, path);
+    if (!found || !file.Open(path)) return ConstFileStatus::Missing;
+    return ConstFileStatus::Ok;
+}
+
 bool CConstellationCatalogue::LoadFigures()
 {
     if (m_figuresLoaded) return !m_figures.empty();
     m_figuresLoaded = true;
     CMappedFile f;
-    if (MapDataFile("star\\Tycho2\\ConstFig.dat", f) != ConstFileStatus::Ok) return false;
+    if (Map("star\\Tycho2\\ConstFig.dat", f) != ConstFileStatus::Ok) return false;
     ++m_figureReads;
     DecodeFigures(f.Bytes(), m_figures);
     return !m_figures.empty();
@@ -169,7 +170,7 @@ bool CConstellationCatalogue::LoadNamePlaces()
     if (m_placesLoaded) return !m_namePlaces.empty();
     m_placesLoaded = true;
     CMappedFile f;
-    if (MapDataFile("data\\conname.dat", f) == ConstFileStatus::Ok) DecodeNamePlaces(f.Bytes(), m_namePlaces);
+    if (Map("data\\conname.dat", f) == ConstFileStatus::Ok) DecodeNamePlaces(f.Bytes(), m_namePlaces);
     return !m_namePlaces.empty();
 }
 
@@ -178,7 +179,7 @@ bool CConstellationCatalogue::LoadNames()
     if (m_namesLoaded) return !m_names.empty();
     m_namesLoaded = true;
     CMappedFile f;
-    if (MapDataFile("data\\constnam.dat", f) == ConstFileStatus::Ok) DecodeNames(f.Bytes(), m_names);
+    if (Map("data\\constnam.dat", f) == ConstFileStatus::Ok) DecodeNames(f.Bytes(), m_names);
     return !m_names.empty();
 }
 
@@ -187,7 +188,7 @@ bool CConstellationCatalogue::LoadBoundaries()
     if (m_boundsLoaded) return !m_strips.empty();
     m_boundsLoaded = true;
     CMappedFile f;
-    if (MapDataFile("data\\conbound.dat", f) == ConstFileStatus::Ok) DecodeBoundaries(f.Bytes(), m_strips, m_edges);
+    if (Map("data\\conbound.dat", f) == ConstFileStatus::Ok) DecodeBoundaries(f.Bytes(), m_strips, m_edges);
     return !m_strips.empty();
 }
 

@@ -25,6 +25,7 @@
 
 namespace orv {
 
+class CMappedFile;
 class CObserverDoc;
 
 namespace constfile {
@@ -104,6 +105,11 @@ void J2000ToB1875(const CObserverDoc& observer, double raJ2000Rad, double decJ20
 
 class CConstellationCatalogue {
 public:
+    // The files are looked for in the program's data folders, or only below
+    // `folder` when one is given (a data folder being built or checked).
+    CConstellationCatalogue() = default;
+    explicit CConstellationCatalogue(std::string folder) : m_folder(std::move(folder)) {}
+
     // Each Load reads its file once: a second call returns what the first
     // found without touching the file again.
     bool LoadFigures();
@@ -135,6 +141,9 @@ public:
     int ConstellationAt(const CObserverDoc& observer, double raJ2000Rad, double decJ2000Rad) const;
 
 private:
+    ConstFileStatus Map(std::string_view name, CMappedFile& file) const;
+
+    std::string m_folder;
     bool m_figuresLoaded = false, m_placesLoaded = false, m_namesLoaded = false, m_boundsLoaded = false;
     int m_figureReads = 0;
     std::vector<FigureRecord> m_figures;
