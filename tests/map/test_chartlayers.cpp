@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "catalog/stars/drawstars.h"
+#include "catalog/constellations/drawconstellations.h"
 #include "map/chartlayer.h"
 #include "map/drawcontext.h"
 #include "map/mapdraw.h"
@@ -256,4 +257,17 @@ TEST(ChartLayers, EclipticGridLayerDrawsWhereTheEclipticIs)
         columnsCrossed += crossed ? 1 : 0;
     }
     EXPECT_GT(columnsCrossed, 190);
+}
+
+// The corner of the constellation name is the slot whose "CornerLabel" digit
+// is 0; moving it swaps two digits, so the four stay a permutation.
+TEST(ConstellationCorner, SlotOfTheNameAndMovingIt)
+{
+    EXPECT_EQ(orv::CornerOfConstellationName({0, 1, 2, 3}), orv::ChartCorner::TopLeft);
+    EXPECT_EQ(orv::CornerOfConstellationName({3, 2, 0, 1}), orv::ChartCorner::BottomLeft);
+    const std::array<int, 4> moved = orv::MoveConstellationNameToCorner({0, 1, 2, 3}, orv::ChartCorner::BottomRight);
+    EXPECT_EQ(moved, (std::array<int, 4>{3, 1, 2, 0}));
+    orv::CConstellationSettings s;
+    s.SetCornerSlots(moved);
+    EXPECT_EQ(s.cornerLabel, 213);  // digits from the least significant: 3, 1, 2, 0
 }

@@ -90,6 +90,15 @@ ChartCorner CornerOfConstellationName(const std::array<int, 4>& cornerSlots)
     return ChartCorner::TopLeft;
 }
 
+std::array<int, 4> MoveConstellationNameToCorner(std::array<int, 4> cornerSlots, ChartCorner corner)
+{
+    const auto from = static_cast<std::size_t>(CornerOfConstellationName(cornerSlots));
+    const auto to = static_cast<std::size_t>(corner);
+    if (cornerSlots[from] != 0) cornerSlots[to] = 0;  // no slot held the name: it goes there
+    else std::swap(cornerSlots[from], cornerSlots[to]);
+    return cornerSlots;
+}
+
 bool CConstellationLayer::ShownAt(const CMapView& view, int) const
 {
     const ConstellationLevelState& s = view.constellationState;

@@ -31,6 +31,9 @@ struct DrawContext;
 // corner it goes to.
 enum class ChartCorner { TopLeft = 0, TopRight = 1, BottomLeft = 2, BottomRight = 3 };
 ChartCorner CornerOfConstellationName(const std::array<int, 4>& cornerSlots);
+// The slots with the constellation name moved to `corner`: its digit and the
+// one that was there change places, so the four stay a permutation.
+std::array<int, 4> MoveConstellationNameToCorner(std::array<int, 4> cornerSlots, ChartCorner corner);
 
 class CConstellationLayer final : public IChartLayer {
 public:
