@@ -1,9 +1,7 @@
 #include "constellationbuild.h"
 
-#include <filesystem>
-
 #include "common/textfields.h"
-#include "util/atomicfile.h"
+#include "catalogbuild.h"
 
 namespace orv::databuild {
 
@@ -21,7 +19,6 @@ bool BuildConstellationFiles(const ConstellationSources& sources, std::vector<Ou
 bool RunConstellationBuild(const std::string& stellariumDir, const std::string& kstarsDir,
                            const std::string& outputDir, const Progress& progress, std::string& error)
 {
-    namespace fs = std::filesystem;
     ConstellationSources sources;
     if (!ReadConstellationSources(LocateConstellationSources(stellariumDir, kstarsDir), sources, progress, error))
         return false;
@@ -31,16 +28,8 @@ bool RunConstellationBuild(const std::string& stellariumDir, const std::string& 
                                std::to_string(sources.names.size()));
     std::vector<OutputFile> files;
     if (!BuildConstellationFiles(sources, files, error)) return false;
-    for (const OutputFile& file : files) {
-        const fs::path path = fs::path(outputDir) / file.path;
-        std::error_code ec;
-        fs::create_directories(path.parent_path(), ec);
-        if (ec) return Fail(error, "cannot create folder " + path.parent_path().string() + ": " + ec.message());
-        CAtomicFileWriter w;
-        if (!w.Open(path.string()) || !w.Write(file.bytes) || !w.Commit())
-            return Fail(error, "cannot write " + path.string() + ": " + w.Error());
-        progress("wrote " + path.string() + " (" + std::to_string(file.bytes.size()) + " bytes)");
-    }
+    for (const OutputFile& file : files)
+        if (!Store(outputDir, file, progress, error)) return false;
     return true;
 }
 
