@@ -13,6 +13,7 @@
 
 #include <memory>
 
+#include "catalog/constellations/drawconstellations.h"
 #include "catalog/stars/drawstars.h"
 #include "catalog/stars/tycho2catalogue.h"
 #include "map/mapdraw.h"
@@ -58,6 +59,7 @@ struct Components {
     {
         RegisterMapLayers(chart.layers);
         RegisterStarCatalogue(chart, stars);
+        RegisterConstellations(chart, stars);
     }
 };
 

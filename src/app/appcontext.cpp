@@ -4,6 +4,7 @@
 #include <QStandardPaths>
 
 #include "app/qtsettingsstore.h"
+#include "catalog/constellations/drawconstellations.h"
 #include "catalog/stars/drawstars.h"
 #include "satellite/passdraw.h"
 #include "util/settingsstore.h"
@@ -21,6 +22,7 @@ CAppContext::CAppContext(CSettingsStore& settings, QObject* parent)
     // the satellite passes plotted from the pass sheet.
     RegisterMapLayers(m_components.layers);
     RegisterStarCatalogue(m_components, m_stars);
+    RegisterConstellations(m_components, m_stars);
     sat::RegisterPlottedPassLayer(m_components.layers);
     m_levels.Load(settings);
     const int scheme = settings.GetInt(kSettings, "ColourScheme", 0);

@@ -27,6 +27,7 @@
 #include "app/appcontext.h"
 #include "app/mapwindow.h"
 #include "app/visiblestars.h"
+#include "catalog/constellations/drawconstellations.h"
 #include "map/mapview.h"
 #include "util/angles.h"
 #include "util/settingsstore.h"
@@ -382,6 +383,94 @@ CStarPropertySheet::CStarPropertySheet(const CStarSettings& settings, CSettingsS
     tabs->addTab(new CStarPageLabel(m_settings, tabs), tr("Labels"));
     tabs->addTab(new CStarPageOptions(m_settings, tabs), tr("Options"));
     tabs->addTab(new CStarPageGSC(m_settings, tabs), tr("GSC"));
+    layout->addWidget(tabs);
+    auto* buttons = OkCancel(this);
+    QPushButton* defaults = buttons->addButton(tr("Save as &Defaults"), QDialogButtonBox::ActionRole);
+    connect(defaults, &QPushButton::clicked, this, [this, &store] {
+        m_settings.Save(store);
+        store.Flush();
+    });
+    layout->addWidget(buttons);
+}
+
+// ------------------------------------------------------------------ constellations
+
+CConstellationGeneralPage::CConstellationGeneralPage(CConstellationSettings& s, QWidget* parent) : CSettingsForm(parent)
+{
+    AddCheck(tr("Show constellation figures"), s.conFigureVisible);
+    AddLevels(tr("Figures:"), s.levelFigureLow, s.levelFigureHigh);
+    AddCheck(tr("Show constellation names"), s.conNameVisible);
+    AddLevels(tr("Names:"), s.levelNameLow, s.levelNameHigh);
+    AddNumber(tr("Abbreviate names from level:"), s.levelAbbrev, 1, kLevelCount);
+    AddCheck(tr("Show constellation boundaries"), s.conBoundaryVisible);
+    AddLevels(tr("Boundaries:"), s.levelBoundaryLow, s.levelBoundaryHigh);
+}
+
+CConstellationCornerPage::CConstellationCornerPage(CConstellationSettings& s, QWidget* parent)
+    : QWidget(parent), m_settings(s)
+{
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(new QLabel(tr("Select an item by clicking its name in the list, then click Edit to change "
+                                    "its level range."),
+                                 this));
+    m_list = new QTableWidget(1, 4, this);
+    m_list->setHorizontalHeaderLabels({tr("Item"), tr("Min Lvl"), tr("Max Lvl"), tr("Names")});
+    m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_list->verticalHeader()->hide();
+    layout->addWidget(m_list);
+    auto* row = new QHBoxLayout;
+    auto* edit = new QPushButton(tr("&Edit..."), this);
+    connect(edit, &QPushButton::clicked, this, [this] { EditSelected(); });
+    row->addWidget(edit);
+    row->addStretch(1);
+    row->addWidget(new QLabel(tr("Corner of the constellation name:"), this));
+    auto* corner = new QComboBox(this);
+    corner->addItems({tr("Top left"), tr("Top right"), tr("Bottom left"), tr("Bottom right")});
+    corner->setCurrentIndex(static_cast<int>(CornerOfConstellationName(s.CornerSlots())));
+    connect(corner, &QComboBox::currentIndexChanged, this, [this](int i) {
+        m_settings.SetCornerSlots(MoveConstellationNameToCorner(m_settings.CornerSlots(), static_cast<ChartCorner>(i)));
+    });
+    row->addWidget(corner);
+    layout->addLayout(row);
+    Fill();
+}
+
+void CConstellationCornerPage::Fill()
+{
+    const auto level = [](int v) { return v < 0 ? tr("never") : QString::number(v + 1); };
+    m_list->setItem(0, 0, new QTableWidgetItem(tr("Constellation name")));
+    m_list->setItem(0, 1, new QTableWidgetItem(level(m_settings.levelCornerNameLow)));
+    m_list->setItem(0, 2, new QTableWidgetItem(level(m_settings.levelCornerNameHigh)));
+    m_list->setItem(0, 3, new QTableWidgetItem(m_settings.cornerNameAbbrev != 0 ? tr("Abbreviated") : tr("Full")));
+}
+
+void CConstellationCornerPage::EditSelected()
+{
+    if (m_list->currentRow() != 0) return;
+    QDialog d(this);
+    d.setWindowTitle(tr("Constellation name"));
+    auto* layout = new QVBoxLayout(&d);
+    auto* form = new CSettingsForm(&d);
+    CConstellationSettings edited = m_settings;
+    form->AddLevels(tr("Levels:"), edited.levelCornerNameLow, edited.levelCornerNameHigh);
+    form->AddCheck(tr("Abbreviated"), edited.cornerNameAbbrev);
+    layout->addWidget(form);
+    layout->addWidget(OkCancel(&d));
+    if (d.exec() != QDialog::Accepted) return;
+    m_settings = edited;
+    Fill();
+}
+
+CConstellationPropertySheet::CConstellationPropertySheet(const CConstellationSettings& settings,
+                                                         CSettingsStore& store, QWidget* parent)
+    : QDialog(parent), m_settings(settings)
+{
+    setWindowTitle(tr("Constellations"));
+    auto* layout = new QVBoxLayout(this);
+    auto* tabs = new QTabWidget(this);
+    tabs->addTab(new CConstellationGeneralPage(m_settings, tabs), tr("General"));
+    tabs->addTab(new CConstellationCornerPage(m_settings, tabs), tr("Corner"));
     layout->addWidget(tabs);
     auto* buttons = OkCancel(this);
     QPushButton* defaults = buttons->addButton(tr("Save as &Defaults"), QDialogButtonBox::ActionRole);

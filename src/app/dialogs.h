@@ -128,6 +128,36 @@ private:
     CStarSettings m_settings;
 };
 
+// The constellation property sheet: CConstellationGeneralPage (what is shown
+// and at which levels) and CConstellationCornerPage (the corner labels),
+// each editing part of the "Constellation" settings.
+class CConstellationGeneralPage : public CSettingsForm {
+    Q_OBJECT
+public:
+    CConstellationGeneralPage(CConstellationSettings& s, QWidget* parent = nullptr);
+};
+class CConstellationCornerPage : public QWidget {
+    Q_OBJECT
+public:
+    CConstellationCornerPage(CConstellationSettings& s, QWidget* parent = nullptr);
+
+private:
+    void Fill();
+    void EditSelected();
+    CConstellationSettings& m_settings;
+    QTableWidget* m_list = nullptr;
+};
+class CConstellationPropertySheet : public QDialog {
+    Q_OBJECT
+public:
+    CConstellationPropertySheet(const CConstellationSettings& settings, CSettingsStore& store,
+                                QWidget* parent = nullptr);
+    const CConstellationSettings& Result() const { return m_settings; }
+
+private:
+    CConstellationSettings m_settings;
+};
+
 class CGridOptionsDialog : public QDialog {
     Q_OBJECT
 public:

@@ -159,6 +159,7 @@ void CMainFrame::CreateActions()
     }
     m_starOptionsAct = make(tr("S&tar Options..."), QKeySequence(), [this] { StarOptions(); });
     m_gridOptionsAct = make(tr("&Grids..."), QKeySequence(), [this] { GridOptions(); });
+    m_constellationOptionsAct = make(tr("&Constellations..."), QKeySequence(), [this] { ConstellationOptions(); });
     m_findAct = make(tr("&Find Star..."), QKeySequence::Find, [this] {
         m_findBox->setFocus();
         m_findBox->selectAll();
@@ -219,6 +220,7 @@ void CMainFrame::CreateMenus()
     map->addSeparator();
     map->addAction(m_findAct);
     map->addAction(m_starOptionsAct);
+    map->addAction(m_constellationOptionsAct);
     map->addAction(m_gridOptionsAct);
 
     menuBar()->addMenu(m_satellites->Menu());
@@ -527,6 +529,18 @@ void CMainFrame::StarOptions()
         w->Doc().stars = sheet.Result();
         w->View().SetLevel(w->View().Level(), CMapView::TakeField::No);
         w->Renderer().Invalidate();
+        w->MapChanged();
+    }
+}
+
+void CMainFrame::ConstellationOptions()
+{
+    CMapWindow* w = ActiveMap();
+    if (w == nullptr) return;
+    CConstellationPropertySheet sheet(w->Doc().constellations, m_app.Settings(), this);
+    if (sheet.exec() == QDialog::Accepted) {
+        w->Doc().constellations = sheet.Result();
+        w->View().SetLevel(w->View().Level(), CMapView::TakeField::No);
         w->MapChanged();
     }
 }

@@ -63,6 +63,7 @@ private:
     void ExportPicture();
     void SiteAndTime();
     void StarOptions();
+    void ConstellationOptions();
     void GridOptions();
     void ViewLevels();
     void VisibleStars();
@@ -110,6 +111,7 @@ private:
     QActionGroup* m_timeModeGroup = nullptr;
     QList<QAction*> m_timeModeActs;
     QAction* m_starOptionsAct = nullptr;
+    QAction* m_constellationOptionsAct = nullptr;
     QAction* m_gridOptionsAct = nullptr;
     QAction* m_findAct = nullptr;
     QAction* m_rotateLeftAct = nullptr;

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "catalog/constellations/drawconstellations.h"
 #include "catalog/stars/drawstars.h"
 #include "satellite/passdraw.h"
 
@@ -12,7 +13,9 @@ const CChartComponents& ChartComponents()
     static const CChartComponents components = [] {
         CChartComponents c;
         RegisterMapLayers(c.layers);
-        RegisterStarCatalogue(c, std::make_shared<CStarCatalogueHandle>());
+        auto stars = std::make_shared<CStarCatalogueHandle>();
+        RegisterStarCatalogue(c, stars);
+        RegisterConstellations(c, stars);
         sat::RegisterPlottedPassLayer(c.layers);
         return c;
     }();

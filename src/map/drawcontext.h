@@ -45,6 +45,9 @@ struct ChartPalette {
     QColor labelBackground;     // behind grid labels
     QColor satellitePath;       // plotted satellite passes: path, ticks, arrowhead
     QColor satelliteText;       // their names and clock times
+    QColor conFigure;           // constellation figure lines
+    QColor conBoundary;         // constellation boundaries
+    QColor conName;             // constellation names and the corner name
 
     // A star colour brought to the scheme (red: luminance as red).
     QColor StarColour(const QColor& c) const;

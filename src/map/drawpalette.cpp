@@ -47,6 +47,9 @@ ChartPalette NormalPalette()
     p.labelBackground = p.background;
     p.satellitePath = QColor(255, 200, 70);
     p.satelliteText = QColor(255, 228, 150);
+    p.conFigure = QColor(70, 110, 120);
+    p.conBoundary = QColor(110, 80, 60);
+    p.conName = QColor(110, 160, 170);
     return p;
 }
 
@@ -75,6 +78,9 @@ ChartPalette BlackOnWhitePalette()
     p.labelBackground = p.background;
     p.satellitePath = QColor(0, 0, 0);
     p.satelliteText = QColor(0, 0, 0);
+    p.conFigure = QColor(110, 110, 110);
+    p.conBoundary = QColor(150, 150, 150);
+    p.conName = QColor(60, 60, 60);
     return p;
 }
 
@@ -102,6 +108,9 @@ ChartPalette RedPalette()
     p.labelBackground = p.background;
     p.satellitePath = QColor(220, 0, 0);
     p.satelliteText = QColor(190, 0, 0);
+    p.conFigure = QColor(100, 0, 0);
+    p.conBoundary = QColor(80, 0, 0);
+    p.conName = QColor(150, 0, 0);
     return p;
 }
 
@@ -138,7 +147,8 @@ ChartPalette MakePalette(ColourScheme scheme, SurfaceKind kind, bool monochrome)
         for (QColor* c : {&p.background, &p.ground, &p.horizonLine, &p.grid[0], &p.grid[1], &p.grid[2], &p.grid[3],
                           &p.gridFaint[0], &p.gridFaint[1], &p.gridFaint[2], &p.gridFaint[3], &p.gridLabel,
                           &p.starPlain, &p.starHalo, &p.starLabel, &p.greekLabel, &p.starMark, &p.pmLine,
-                          &p.scaleLine, &p.compass, &p.labelBackground, &p.satellitePath, &p.satelliteText})
+                          &p.scaleLine, &p.compass, &p.labelBackground, &p.satellitePath, &p.satelliteText,
+                          &p.conFigure, &p.conBoundary, &p.conName})
             grey(*c);
     }
     if (p.redOnly) {

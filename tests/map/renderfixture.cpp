@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "catalog/constellations/drawconstellations.h"
 #include "catalog/stars/drawstars.h"
 #include "catalogbuild.h"
 #include "satellite/passdraw.h"
@@ -128,6 +129,7 @@ CTestChartComponents::CTestChartComponents() : stars(std::make_shared<CStarCatal
 {
     RegisterMapLayers(components.layers);
     RegisterStarCatalogue(components, stars);
+    RegisterConstellations(components, stars);
     sat::RegisterPlottedPassLayer(components.layers);
 }
 

@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "catalog/stars/drawstars.h"
+#include "catalog/constellations/drawconstellations.h"
+#include "app/strings.h"
 #include "map/chartlayer.h"
 #include "map/drawcontext.h"
 #include "map/mapdraw.h"
@@ -182,7 +184,13 @@ TEST(ChartLayers, AnyLayersObjectsAreIdentifiedAndFound)
     EXPECT_EQ(found->source, blob);
 
     EXPECT_EQ(VisibleStarRows(renderer.WindowScene(), parts.components.objects).size(), 4u);
-    EXPECT_EQ(renderer.WindowScene().Objects().size(), 5u);  // four stars and the square
+    // Four stars and the square (and the names of constellations, when the
+    // data folders hold the constellation files).
+    const auto constellations = parts.components.objects.IdOf(
+        parts.components.objects.SourceOf<orv::CConstellationObjectSource>());
+    std::size_t drawn = 0;
+    for (const SceneObject& o : renderer.WindowScene().Objects()) drawn += (o.source != constellations) ? 1 : 0;
+    EXPECT_EQ(drawn, 5u);
 
     const FindResult r = parts.components.objects.Resolve("Blob", chart.Doc().observer);
     ASSERT_EQ(r.status, FindStatus::Found);
@@ -217,7 +225,11 @@ TEST(ChartLayers, StarsAreFoundByEveryDesignation)
     const FindResult none = objects.Resolve("Nowhere", at);
     EXPECT_EQ(none.status, FindStatus::NotFound);
     EXPECT_NE(none.message.find("Tycho-2 stars (proper names, Bayer and Flamsteed designations"), std::string::npos);
-    EXPECT_EQ(objects.CompletionNames(), std::vector<std::string>{"Centrum"});
+    // The catalogue's one proper name, beside the constellations' names when
+    // their files are installed.
+    std::vector<std::string> names = objects.CompletionNames();
+    std::erase_if(names, [](const std::string& n) { return orv::FindConstellation(n) >= 0; });
+    EXPECT_EQ(names, std::vector<std::string>{"Centrum"});
 }
 
 // The ecliptic grid layer, the model of a layer: on a chart centred on the
@@ -256,4 +268,17 @@ TEST(ChartLayers, EclipticGridLayerDrawsWhereTheEclipticIs)
         columnsCrossed += crossed ? 1 : 0;
     }
     EXPECT_GT(columnsCrossed, 190);
+}
+
+// The corner of the constellation name is the slot whose "CornerLabel" digit
+// is 0; moving it swaps two digits, so the four stay a permutation.
+TEST(ConstellationCorner, SlotOfTheNameAndMovingIt)
+{
+    EXPECT_EQ(orv::CornerOfConstellationName({0, 1, 2, 3}), orv::ChartCorner::TopLeft);
+    EXPECT_EQ(orv::CornerOfConstellationName({3, 2, 0, 1}), orv::ChartCorner::BottomLeft);
+    const std::array<int, 4> moved = orv::MoveConstellationNameToCorner({0, 1, 2, 3}, orv::ChartCorner::BottomRight);
+    EXPECT_EQ(moved, (std::array<int, 4>{3, 1, 2, 0}));
+    orv::CConstellationSettings s;
+    s.SetCornerSlots(moved);
+    EXPECT_EQ(s.cornerLabel, 213);  // digits from the least significant: 3, 1, 2, 0
 }

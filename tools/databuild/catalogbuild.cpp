@@ -94,8 +94,6 @@ std::vector<OutputFile> BuildStarFiles(Catalogue& catalogue, const HipData& hip,
     return WriteAll(catalogue, std::move(tables));
 }
 
-namespace {
-
 bool Store(const std::string& outputDir, const OutputFile& file, const Progress& progress, std::string& error)
 {
     const fs::path path = fs::path(outputDir) / file.path;
@@ -108,8 +106,6 @@ bool Store(const std::string& outputDir, const OutputFile& file, const Progress&
     progress("wrote " + path.string() + " (" + std::to_string(file.bytes.size()) + " bytes)");
     return true;
 }
-
-}  // namespace
 
 bool RunBuild(const BuildOptions& options, const Progress& progress, std::string& error)
 {
