@@ -65,9 +65,11 @@ int RunFind(Context& ctx)
         PrintJson(ctx.out, o);
         return 0;
     }
-    ctx.out << m.designation << "  (" << ObjectTypeName(m.type);
-    if (source != nullptr) ctx.out << ", " << source->Name();
-    ctx.out << ")\n";
+    // Objects without a type code of their own (a constellation) show only
+    // their catalogue.
+    std::string what = m.type != ObjectType::Unknown ? std::string(ObjectTypeName(m.type)) : std::string();
+    if (source != nullptr) what += (what.empty() ? "" : ", ") + std::string(source->Name());
+    ctx.out << m.designation << (what.empty() ? "" : "  (" + what + ")") << "\n";
     ctx.out << "J2000 place at the date:  RA " << FormatHms(m.raJ2000Rad, 1) << "  Dec " << FormatDms(m.decJ2000Rad, 0)
             << "\n";
     ctx.out << "Apparent place of date:   RA " << FormatHms(raDate, 1) << "  Dec " << FormatDms(decDate, 0) << "\n";
