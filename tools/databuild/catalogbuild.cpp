@@ -111,6 +111,11 @@ bool Store(const std::string& outputDir, const OutputFile& file, const Progress&
 
 }  // namespace
 
+bool StoreFile(const std::string& outputDir, const OutputFile& file, const Progress& progress, std::string& error)
+{
+    return Store(outputDir, file, progress, error);
+}
+
 bool RunBuild(const BuildOptions& options, const Progress& progress, std::string& error)
 {
     // Readers.

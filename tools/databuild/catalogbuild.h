@@ -48,6 +48,9 @@ struct BuildOptions {
 // replaced.
 bool RunBuild(const BuildOptions& options, const Progress& progress, std::string& error);
 
+// Writes one file below the data folder atomically (the other builds use it).
+bool StoreFile(const std::string& outputDir, const OutputFile& file, const Progress& progress, std::string& error);
+
 // The star catalogue's files from an assembled catalogue and the Hipparcos
 // lists (the lists are attached to their stars first), in the order they
 // are written. Used by the tests to build small catalogues.

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "catalogbuild.h"
+#include "deepskybuild.h"
 #include "util/datapath.h"
 
 namespace {
@@ -16,6 +17,7 @@ void Usage(std::FILE* to)
     std::fputs(
         "usage: orvane-databuild [--sources DIR] [--tycho2 DIR] [--stellarium DIR] [--kstars DIR]\n"
         "                        [--out DATA_FOLDER]\n"
+        "       orvane-databuild --deepsky [--sources DIR] [--stellarium DIR] [--out DATA_FOLDER]\n"
         "\n"
         "Builds the Tycho-2 star files (star/Tycho2/*, data/rgnbound.dat) into the data folder.\n"
         "  --sources DIR     the folder filled by tools/fetch-sources.sh (default: data-sources)\n"
@@ -24,7 +26,9 @@ void Usage(std::FILE* to)
         "                    (default: DIR/stellarium-data/usr/share/stellarium)\n"
         "  --kstars DIR      kstars-data's share folder, holding stars.dat\n"
         "                    (default: DIR/kstars-data/usr/share/kstars)\n"
-        "  --out FOLDER      the data folder to write (default: the program's data folder)\n",
+        "  --out FOLDER      the data folder to write (default: the program's data folder)\n"
+        "  --deepsky         build the deep-sky catalogue files (deepsky/*) from stellarium-data\n"
+        "                    instead of the star files\n",
         to);
 }
 
@@ -35,6 +39,7 @@ int main(int argc, char** argv)
     namespace fs = std::filesystem;
     std::string sources = "data-sources";
     orv::databuild::BuildOptions options;
+    bool deepSky = false;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         auto value = [&](std::string& into) {
@@ -49,6 +54,7 @@ int main(int argc, char** argv)
         else if (arg == "--stellarium") value(options.stellariumDir);
         else if (arg == "--kstars") value(options.kstarsDir);
         else if (arg == "--out") value(options.outputDir);
+        else if (arg == "--deepsky") deepSky = true;
         else if (arg == "--help" || arg == "-h") {
             Usage(stdout);
             return 0;
@@ -64,6 +70,21 @@ int main(int argc, char** argv)
     if (options.kstarsDir.empty())
         options.kstarsDir = (fs::path(sources) / "kstars-data" / "usr" / "share" / "kstars").string();
     if (options.outputDir.empty()) options.outputDir = orv::GetDataPath();
+    const auto start = std::chrono::steady_clock::now();
+    auto progress = [&](const std::string& line) {
+        const double s = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        std::printf("[%6.1f s] %s\n", s, line.c_str());
+        std::fflush(stdout);
+    };
+    if (deepSky) {
+        std::string error;
+        if (!orv::databuild::RunDeepSkyBuild({options.stellariumDir, options.outputDir}, progress, error)) {
+            std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
+            return 1;
+        }
+        std::printf("orvane-databuild: deep-sky files done\n");
+        return 0;
+    }
     if (!fs::is_directory(options.tycho2Dir)) {
         std::fprintf(stderr,
                      "orvane-databuild: no Tycho-2 folder at %s\n"
@@ -72,17 +93,9 @@ int main(int argc, char** argv)
         return 1;
     }
 
-    const auto start = std::chrono::steady_clock::now();
     std::printf("orvane-databuild: writing into %s\n", options.outputDir.c_str());
     std::string error;
-    const bool ok = orv::databuild::RunBuild(
-        options,
-        [&](const std::string& line) {
-            const double s = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-            std::printf("[%6.1f s] %s\n", s, line.c_str());
-            std::fflush(stdout);
-        },
-        error);
+    const bool ok = orv::databuild::RunBuild(options, progress, error);
     if (!ok) {
         std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
         std::fprintf(stderr, "orvane-databuild: nothing was replaced after this point; existing files are intact\n");
