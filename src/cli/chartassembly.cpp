@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
 #include "satellite/passdraw.h"
 
@@ -13,6 +14,7 @@ const CChartComponents& ChartComponents()
         CChartComponents c;
         RegisterMapLayers(c.layers);
         RegisterStarCatalogue(c, std::make_shared<CStarCatalogueHandle>());
+        RegisterDeepSkyCatalogues(c, std::make_shared<CDeepSkyCatalogueHandle>());
         sat::RegisterPlottedPassLayer(c.layers);
         return c;
     }();

@@ -45,6 +45,11 @@ struct ChartPalette {
     QColor labelBackground;     // behind grid labels
     QColor satellitePath;       // plotted satellite passes: path, ticks, arrowhead
     QColor satelliteText;       // their names and clock times
+    QColor deepSkyGalaxy;       // galaxy ellipses
+    QColor deepSkyCluster;      // open and globular cluster symbols
+    QColor deepSkyNebula;       // bright and planetary nebulae, remnants
+    QColor deepSkyDark;         // dark nebulae
+    QColor deepSkyLabel;        // deep-sky designations and names
 
     // A star colour brought to the scheme (red: luminance as red).
     QColor StarColour(const QColor& c) const;

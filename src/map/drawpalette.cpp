@@ -47,6 +47,11 @@ ChartPalette NormalPalette()
     p.labelBackground = p.background;
     p.satellitePath = QColor(255, 200, 70);
     p.satelliteText = QColor(255, 228, 150);
+    p.deepSkyGalaxy = QColor(230, 120, 120);
+    p.deepSkyCluster = QColor(230, 210, 110);
+    p.deepSkyNebula = QColor(120, 210, 140);
+    p.deepSkyDark = QColor(120, 120, 140);
+    p.deepSkyLabel = QColor(190, 190, 170);
     return p;
 }
 
@@ -75,6 +80,11 @@ ChartPalette BlackOnWhitePalette()
     p.labelBackground = p.background;
     p.satellitePath = QColor(0, 0, 0);
     p.satelliteText = QColor(0, 0, 0);
+    p.deepSkyGalaxy = QColor(0, 0, 0);
+    p.deepSkyCluster = QColor(0, 0, 0);
+    p.deepSkyNebula = QColor(0, 0, 0);
+    p.deepSkyDark = QColor(110, 110, 110);
+    p.deepSkyLabel = QColor(0, 0, 0);
     return p;
 }
 
@@ -102,6 +112,11 @@ ChartPalette RedPalette()
     p.labelBackground = p.background;
     p.satellitePath = QColor(220, 0, 0);
     p.satelliteText = QColor(190, 0, 0);
+    p.deepSkyGalaxy = QColor(200, 0, 0);
+    p.deepSkyCluster = QColor(200, 0, 0);
+    p.deepSkyNebula = QColor(170, 0, 0);
+    p.deepSkyDark = QColor(100, 0, 0);
+    p.deepSkyLabel = QColor(180, 0, 0);
     return p;
 }
 
@@ -138,7 +153,8 @@ ChartPalette MakePalette(ColourScheme scheme, SurfaceKind kind, bool monochrome)
         for (QColor* c : {&p.background, &p.ground, &p.horizonLine, &p.grid[0], &p.grid[1], &p.grid[2], &p.grid[3],
                           &p.gridFaint[0], &p.gridFaint[1], &p.gridFaint[2], &p.gridFaint[3], &p.gridLabel,
                           &p.starPlain, &p.starHalo, &p.starLabel, &p.greekLabel, &p.starMark, &p.pmLine,
-                          &p.scaleLine, &p.compass, &p.labelBackground, &p.satellitePath, &p.satelliteText})
+                          &p.scaleLine, &p.compass, &p.labelBackground, &p.satellitePath, &p.satelliteText,
+                          &p.deepSkyGalaxy, &p.deepSkyCluster, &p.deepSkyNebula, &p.deepSkyDark, &p.deepSkyLabel})
             grey(*c);
     }
     if (p.redOnly) {

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
 #include "catalogbuild.h"
 #include "satellite/passdraw.h"
@@ -128,6 +129,7 @@ CTestChartComponents::CTestChartComponents() : stars(std::make_shared<CStarCatal
 {
     RegisterMapLayers(components.layers);
     RegisterStarCatalogue(components, stars);
+    RegisterDeepSkyCatalogues(components, std::make_shared<CDeepSkyCatalogueHandle>());
     sat::RegisterPlottedPassLayer(components.layers);
 }
 
