@@ -129,8 +129,23 @@ OutputFile WriteNgcIcNames(const DeepSkyCatalogue& ngcIc)
         if (o.caldwell != 0) add("C " + std::to_string(o.caldwell));
     }
     SortByName(entries);
-    CByteWriter w;
+    // A number the catalogue gives twice (a galaxy and a faint companion
+    // filed under the same NGC number) names the Messier object if either
+    // is one, else the brighter.
+    auto rank = [&](std::int16_t record) {
+        const BuildDeepSkyObject& o = ngcIc.objects[static_cast<std::size_t>(record)];
+        return std::make_pair(o.messier == 0, o.Magnitude());
+    };
+    std::vector<Entry> unique;
     for (const Entry& e : entries) {
+        if (!unique.empty() && unique.back().first == e.first) {
+            if (rank(e.second) < rank(unique.back().second)) unique.back().second = e.second;
+            continue;
+        }
+        unique.push_back(e);
+    }
+    CByteWriter w;
+    for (const Entry& e : unique) {
         w.Bytes({reinterpret_cast<const std::uint8_t*>(e.first.data()), e.first.size()});
         w.I16(e.second);
     }
