@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <cstdio>
 
 #include "util/angles.h"
@@ -165,18 +166,7 @@ std::vector<VisibleDeepSkyRow> VisibleDeepSkyRows(const CChartScene& scene, cons
         DeepSkyTexts t;
         const DeepSkyCatalogueId c = DeepSkyKeyCatalogue(s.key);
         if (!cats.Object(c, DeepSkyKeyRecord(s.key), o) || !cats.Texts(c, DeepSkyKeyRecord(s.key), t)) continue;
-        VisibleDeepSkyRow row;
-        row.designation = DeepSkyTitle(t);
-        row.name = t.CommonName();
-        row.type = o.type;
-        row.typeText = std::string(c == DeepSkyCatalogueId::NgcIc && o.ngcType != 0 ? NgcTypeWords(o.ngcType)
-                                                                                    : ObjectTypeName(o.type));
-        row.magCenti = o.magCenti;
-        row.majorArcmin = o.majorArcmin;
-        row.minorArcmin = o.minorArcmin;
-        row.paDeg = o.paDeg;
-        row.raJ2000Rad = o.raJ2000Rad;
-        row.decJ2000Rad = o.decJ2000Rad;
+        VisibleDeepSkyRow row = DeepSkyRow(o, t);
         row.xPx = s.xPx;
         row.yPx = s.yPx;
         rows.push_back(std::move(row));
@@ -184,6 +174,63 @@ std::vector<VisibleDeepSkyRow> VisibleDeepSkyRows(const CChartScene& scene, cons
     std::stable_sort(rows.begin(), rows.end(),
                      [](const VisibleDeepSkyRow& a, const VisibleDeepSkyRow& b) { return a.magCenti < b.magCenti; });
     return rows;
+}
+
+VisibleDeepSkyRow DeepSkyRow(const DeepSkyObject& o, const DeepSkyTexts& t)
+{
+    VisibleDeepSkyRow row;
+    row.designation = DeepSkyTitle(t);
+    row.name = t.CommonName();
+    row.type = o.type;
+    row.typeText = std::string(o.catalogue == DeepSkyCatalogueId::NgcIc && o.ngcType != 0 ? NgcTypeWords(o.ngcType)
+                                                                                         : ObjectTypeName(o.type));
+    row.magCenti = o.magCenti;
+    row.majorArcmin = o.majorArcmin;
+    row.minorArcmin = o.minorArcmin;
+    row.paDeg = o.paDeg;
+    row.raJ2000Rad = o.raJ2000Rad;
+    row.decJ2000Rad = o.decJ2000Rad;
+    return row;
+}
+
+ResultTable VisibleDeepSkyTable(const std::vector<VisibleDeepSkyRow>& rows)
+{
+    ResultTable table;
+    table.title = "Deep Sky Objects Visible on the Map";
+    table.reportHeadings = HeadingLine::Include;
+    table.columns = {{"Designation", "designation", "", CellAlign::Left, "M 42 (NGC 1976)", {}, {}},
+                     {"Name", "name", "", CellAlign::Left, "", {}, {}},
+                     {"Type", "type", "", CellAlign::Left, "", {}, {}},
+                     {"Mag", "magnitude", "mag", CellAlign::Right, "", {}, {}},
+                     {"Major (')", "majorArcmin", "arcmin", CellAlign::Right, "", {}, {}},
+                     {"Minor (')", "minorArcmin", "arcmin", CellAlign::Right, "", {}, {}},
+                     {"PA", "paDeg", "deg", CellAlign::Right, "", {}, {}},
+                     {"RA (J2000)", "raJ2000Deg", "deg", CellAlign::Right, "", {}, {}},
+                     {"Dec (J2000)", "decJ2000Deg", "deg", CellAlign::Right, "", {}, {}}};
+    char buf[32];
+    auto number = [&](double value, const char* format) {
+        std::snprintf(buf, sizeof buf, format, value);
+        return ResultCell::Number(value, buf);
+    };
+    table.rows.reserve(rows.size());
+    for (const VisibleDeepSkyRow& r : rows) {
+        ResultRow row;
+        row.cells.emplace_back(r.designation);
+        row.cells.emplace_back(r.name);
+        row.cells.emplace_back(r.typeText);
+        row.cells.push_back(r.magCenti != deepsky::kNoMagnitude ? number(r.magCenti / 100.0, "%.1f") : ResultCell());
+        // The axes are stored to 0.1′ (0.1″ for planetary nebulae).
+        auto axis = [&](float arcmin) {
+            return arcmin > 0.0f ? number(std::round(arcmin * 600.0) / 600.0, "%.1f") : ResultCell();
+        };
+        row.cells.push_back(axis(r.majorArcmin));
+        row.cells.push_back(axis(r.minorArcmin));
+        row.cells.push_back(r.paDeg != deepsky::kNoPositionAngle ? number(r.paDeg, "%.0f") : ResultCell());
+        row.cells.push_back(ResultCell::Number(r.raJ2000Rad * kDegPerRad, FormatHms(r.raJ2000Rad, 1)));
+        row.cells.push_back(ResultCell::Number(r.decJ2000Rad * kDegPerRad, FormatDms(r.decJ2000Rad, 0)));
+        table.rows.push_back(std::move(row));
+    }
+    return table;
 }
 
 }  // namespace orv

@@ -11,6 +11,7 @@
 
 #include "catalog/deepsky/deepskycatalogue.h"
 #include "map/skyobjects.h"
+#include "util/resulttable.h"
 
 namespace orv {
 
@@ -81,5 +82,14 @@ struct VisibleDeepSkyRow {
 // (objects without a magnitude last); empty when no deep-sky source is
 // registered.
 std::vector<VisibleDeepSkyRow> VisibleDeepSkyRows(const CChartScene& scene, const CSkyObjectRegistry& objects);
+
+// A row for an object of the catalogues (the command line's field lists).
+VisibleDeepSkyRow DeepSkyRow(const DeepSkyObject& o, const DeepSkyTexts& t);
+
+// The rows as a result table titled "Deep Sky Objects Visible on the Map",
+// its report headed by the column headings: designation, name, type,
+// magnitude, size (major and minor axes in arc minutes), position angle and
+// the J2000 place in degrees.
+ResultTable VisibleDeepSkyTable(const std::vector<VisibleDeepSkyRow>& rows);
 
 }  // namespace orv

@@ -241,8 +241,8 @@ TEST_F(MiniatureCatalogue, RegionQueryFindsTheObjectsOfACircleAndThoseReachingIn
     out.clear();
     m_cats.Gather(DeepSkyCatalogueId::NgcIc, 10.6847074 * kRadPerDeg, 43.5 * kRadPerDeg, 0.5 * kRadPerDeg, out);
     EXPECT_TRUE(out.empty());
-    // Across 0h: a circle about RA 359.9° finds M 31 on the other side of
-    // it (10.4° from the centre; 9° plus its 1.6° semi-major axis reach it).
+    // Across 0h: a circle about RA 359.9° finds M 31, 8.1° away on the
+    // other side of it.
     m_cats.Gather(DeepSkyCatalogueId::NgcIc, 359.9 * kRadPerDeg, 41.0 * kRadPerDeg, 9.0 * kRadPerDeg, out);
     EXPECT_EQ(out.size(), 1u);
 }
