@@ -1,7 +1,8 @@
 #include "catalog/deepsky/drawdeepsky.h"
 
 #include <QFontMetricsF>
-#include <QPainterPath>
+#include <QGlyphRun>
+#include <QRawFont>
 
 #include <algorithm>
 #include <cmath>
@@ -132,6 +133,70 @@ void DrawSymbol(QPainter& p, const DrawContext& ctx, const Placed& s)
     p.restore();
 }
 
+// Labels of plain ASCII text (designations, most names) set from glyphs
+// looked up once per draw: a crowded field such as the Virgo cluster has
+// hundreds of labels, and shaping each through the text engine cost more
+// than drawing every symbol. Other texts go through the text engine.
+class CAsciiLabels {
+public:
+    CAsciiLabels(const QFont& font, QPaintDevice* device) : m_metrics(font, device), m_raw(QRawFont::fromFont(font))
+    {
+        m_ok = m_raw.isValid();
+        for (int c = 32; c < 127 && m_ok; ++c) {
+            const QList<quint32> glyphs = m_raw.glyphIndexesForString(QString(QChar(c)));
+            if (glyphs.size() != 1) {
+                m_ok = false;
+                break;
+            }
+            m_glyph[c] = glyphs[0];
+            m_advance[c] = m_raw.advancesForGlyphIndexes(glyphs).value(0).x();
+        }
+    }
+    double Ascent() const { return m_metrics.ascent(); }
+    double Height() const { return m_metrics.ascent() + m_metrics.descent(); }
+    double Width(const std::string& text) const
+    {
+        if (!Plain(text)) return m_metrics.horizontalAdvance(QString::fromStdString(text));
+        double w = 0.0;
+        for (const char c : text) w += m_advance[static_cast<unsigned char>(c)];
+        return w;
+    }
+    void Draw(QPainter& p, double x, double baseline, const std::string& text) const
+    {
+        if (!Plain(text)) {
+            p.drawText(QPointF(x, baseline), QString::fromStdString(text));
+            return;
+        }
+        QList<quint32> glyphs;
+        QList<QPointF> positions;
+        glyphs.reserve(static_cast<qsizetype>(text.size()));
+        positions.reserve(static_cast<qsizetype>(text.size()));
+        double at = 0.0;
+        for (const char c : text) {
+            const auto u = static_cast<unsigned char>(c);
+            glyphs.push_back(m_glyph[u]);
+            positions.push_back(QPointF(at, 0.0));
+            at += m_advance[u];
+        }
+        QGlyphRun run;
+        run.setRawFont(m_raw);
+        run.setGlyphIndexes(glyphs);
+        run.setPositions(positions);
+        p.drawGlyphRun(QPointF(x, baseline), run);
+    }
+
+private:
+    bool Plain(const std::string& text) const
+    {
+        return m_ok && std::all_of(text.begin(), text.end(), [](char c) { return c >= 32 && c < 127; });
+    }
+    QFontMetricsF m_metrics;
+    QRawFont m_raw;
+    bool m_ok = false;
+    std::array<quint32, 128> m_glyph{};
+    std::array<double, 128> m_advance{};
+};
+
 }  // namespace
 
 std::string DeepSkyLabel(const DeepSkyTexts& t, int labelOption)
@@ -217,16 +282,16 @@ void DrawDeepSky(DrawContext& ctx, const CDeepSkyCatalogues& cats, std::vector<D
             ctx.labels.Occupy({s->x - s->semiMajorPx, s->y - s->semiMajorPx, s->x + s->semiMajorPx,
                                s->y + s->semiMajorPx},
                               s->object->magCenti);
-    const QFontMetricsF fm(ctx.fonts.label, p.device());
+    const CAsciiLabels glyphs(ctx.fonts.label, p.device());
     const double gap = ctx.Px(0.02, 2.0);
-    const double h = fm.ascent() + fm.descent();
+    const double h = glyphs.Height();
     std::vector<LabelRect> candidates;
     p.setFont(ctx.fonts.label);
     p.setPen(ctx.palette.deepSkyLabel);
     for (const Placed* s : order) {
         if (!cats.Texts(s->object->catalogue, s->object->record, texts)) continue;
-        const QString text = QString::fromStdString(DeepSkyLabel(texts, labelOption));
-        const double w = fm.horizontalAdvance(text);
+        const std::string text = DeepSkyLabel(texts, labelOption);
+        const double w = glyphs.Width(text);
         // Large objects are labelled inside their outline, near the centre;
         // small ones beside their symbol.
         const double r = std::min(s->semiMajorPx, 40.0);
@@ -241,7 +306,7 @@ void DrawDeepSky(DrawContext& ctx, const CDeepSkyCatalogues& cats, std::vector<D
             continue;
         }
         const LabelRect& rect = candidates[static_cast<std::size_t>(k)];
-        p.drawText(QPointF(rect.x0, rect.y0 + fm.ascent()), text);
+        glyphs.Draw(p, rect.x0, rect.y0 + glyphs.Ascent(), text);
         ++ctx.stats.labelsDrawn;
     }
 }
