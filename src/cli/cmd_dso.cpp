@@ -153,16 +153,17 @@ int RunDsos(Context& ctx)
     }
     settings.nameFilter = ctx.args.Get("name").value_or("");
     DeepSkyLevelState level;
-    level.ngcic = level.leda = level.strasbourg = level.dark = true;
+    level.ngcic = level.sac = level.leda = level.strasbourg = level.dark = true;
     if (const auto list = ctx.args.Get("catalogues")) {
-        level.ngcic = level.leda = level.strasbourg = false;
+        level.ngcic = level.sac = level.leda = level.strasbourg = false;
         std::stringstream in(*list);
         std::string word;
         while (std::getline(in, word, ',')) {
             if (word == "ngcic") level.ngcic = true;
+            else if (word == "sac") level.sac = true;
             else if (word == "leda") level.leda = true;
             else if (word == "pn") level.strasbourg = true;
-            else return UsageError(ctx, "--catalogues: unknown catalogue \"" + word + "\" (ngcic, leda, pn)");
+            else return UsageError(ctx, "--catalogues: unknown catalogue \"" + word + "\" (ngcic, sac, leda, pn)");
         }
     }
     const CDeepSkyFilter filter(settings, level);
@@ -174,7 +175,8 @@ int RunDsos(Context& ctx)
     std::vector<VisibleDeepSkyRow> rows;
     std::vector<DeepSkyObject> gathered;
     DeepSkyTexts texts;
-    for (const DeepSkyCatalogueId c : {DeepSkyCatalogueId::NgcIc, DeepSkyCatalogueId::Leda, DeepSkyCatalogueId::Strasbourg}) {
+    for (const DeepSkyCatalogueId c : {DeepSkyCatalogueId::NgcIc, DeepSkyCatalogueId::Sac, DeepSkyCatalogueId::Leda,
+                                       DeepSkyCatalogueId::Strasbourg}) {
         if (!filter.CatalogueShown(c)) continue;
         gathered.clear();
         cats.Gather(c, centreRa, centreDec, radiusRad, gathered);
@@ -218,7 +220,7 @@ ORV_CLI_COMMAND("dsos", "deep-sky objects of a field, filtered as a chart filter
                 "  --min-size ARCMIN  smallest major axis (objects without a size are kept)\n"
                 "  --types LIST    galaxy, cluster-of-galaxies, open-cluster, globular-cluster, planetary-nebula,\n"
                 "                  bright-nebula, dark-nebula, star, supernova-remnant, quasar, radio-source, all\n"
-                "  --catalogues LIST  ngcic, leda, pn (default all)\n"
+                "  --catalogues LIST  ngcic, sac, leda, pn (default all)\n"
                 "  --name PATTERN  name filter: '*' and '?' wildcards, patterns separated by ';'\n"
                 "  --json, --csv   machine-readable output",
                 RunDsos);

@@ -4,6 +4,9 @@
 # nebulae): built by orvane-databuild --deepsky from stellarium-data's
 # deep-sky catalogue, fetched from Debian's archive by tools/fetch-sources.sh,
 # when the data folder lacks any of the files or holds an earlier revision.
+# The Saguaro Astronomy Club database is in no Debian package: a user who
+# places the club's SAC_DeepSky_Ver81_QCQ.TXT in data-sources/sac/ gets the
+# SAC catalogue built beside the others; without it there is none.
 set -euo pipefail
 data="$1"
 bin="$2"
@@ -20,6 +23,9 @@ stamp="$data/deepsky/.databuild-revision"
 
 missing=0
 for f in "${needed[@]}"; do [[ -s "$data/$f" ]] || missing=1; done
+if compgen -G "$sources/sac/[Ss][Aa][Cc]*_[Qq][Cc][Qq].[Tt][Xx][Tt]" >/dev/null && [[ ! -s "$data/deepsky/sac/sacsupp.dat" ]]; then
+  missing=1
+fi
 if ((missing == 0)) && [[ "$(cat "$stamp" 2>/dev/null)" == "$revision" ]]; then
   echo "deepsky: the deep-sky files are in place"
   exit 0

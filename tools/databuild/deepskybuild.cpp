@@ -1,5 +1,6 @@
 #include "deepskybuild.h"
 
+#include <cctype>
 #include <filesystem>
 
 #include "catalogbuild.h"
@@ -25,7 +26,29 @@ bool RunDeepSkyBuild(const DeepSkyBuildOptions& options, const Progress& progres
     progress("  PN G planetary nebulae: " + std::to_string(catalogues.planetary.objects.size()));
     for (const OutputFile& file : WriteDeepSkyFiles(catalogues))
         if (!StoreFile(options.outputDir, file, progress, error)) return false;
+
+    if (options.sacFile.empty()) {
+        progress("  no SAC database in the sources folder: the SAC catalogue is not built");
+        return true;
+    }
+    std::vector<BuildSacObject> sac;
+    if (!ReadSac(options.sacFile, sac, progress, error)) return false;
+    for (const OutputFile& file : WriteSacFiles(std::move(sac)))
+        if (!StoreFile(options.outputDir, file, progress, error)) return false;
     return true;
+}
+
+std::string FindSacFile(const std::string& folder)
+{
+    namespace fs = std::filesystem;
+    std::error_code ec;
+    if (!fs::is_directory(folder, ec)) return {};
+    for (const auto& entry : fs::directory_iterator(folder, ec)) {
+        std::string name = entry.path().filename().string();
+        for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        if (name.size() > 8 && name.rfind("SAC", 0) == 0 && name.ends_with("_QCQ.TXT")) return entry.path().string();
+    }
+    return {};
 }
 
 }  // namespace orv::databuild

@@ -13,7 +13,14 @@ namespace orv::databuild {
 struct DeepSkyBuildOptions {
     std::string stellariumDir;  // the folder holding nebulae/default/
     std::string outputDir;      // the data folder
+    // The SAC database's quote-comma-quote file, when the user placed one in
+    // the sources folder (empty: the SAC catalogue is not built).
+    std::string sacFile;
 };
+
+// The SAC file in `folder` ("SAC_DeepSky_Ver81_QCQ.TXT" or another version's
+// "*_QCQ.TXT", any case), or empty.
+std::string FindSacFile(const std::string& folder);
 
 bool RunDeepSkyBuild(const DeepSkyBuildOptions& options, const Progress& progress, std::string& error);
 

@@ -28,7 +28,8 @@ void Usage(std::FILE* to)
         "                    (default: DIR/kstars-data/usr/share/kstars)\n"
         "  --out FOLDER      the data folder to write (default: the program's data folder)\n"
         "  --deepsky         build the deep-sky catalogue files (deepsky/*) from stellarium-data\n"
-        "                    instead of the star files\n",
+        "                    instead of the star files, and the SAC database when its file\n"
+        "                    (SAC_DeepSky_Ver81_QCQ.TXT) lies in DIR/sac\n",
         to);
 }
 
@@ -78,7 +79,8 @@ int main(int argc, char** argv)
     };
     if (deepSky) {
         std::string error;
-        if (!orv::databuild::RunDeepSkyBuild({options.stellariumDir, options.outputDir}, progress, error)) {
+        const std::string sacFile = orv::databuild::FindSacFile((fs::path(sources) / "sac").string());
+        if (!orv::databuild::RunDeepSkyBuild({options.stellariumDir, options.outputDir, sacFile}, progress, error)) {
             std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
             return 1;
         }

@@ -23,7 +23,8 @@ struct CatalogueFiles {
 constexpr std::array<CatalogueFiles, kDeepSkyCatalogueCount> kFiles{{
     {deepsky::kNgcIcFile, deepsky::kNgcIcBoundsFile, deepsky::kNgcIcNameFile, deepsky::kNgcIcRecordSize,
      deepsky::kNgcIcNameEntrySize, deepsky::kNgcIcNameWidth},
-    {deepsky::kSacFile, deepsky::kSacBoundsFile, deepsky::kSacNameFile, 0, 0, 0},
+    {deepsky::kSacFile, deepsky::kSacBoundsFile, deepsky::kSacNameFile, deepsky::kSacRecordSize,
+     deepsky::kSacNameEntrySize, deepsky::kSacNameWidth},
     {deepsky::kLedaFile, deepsky::kLedaBoundsFile, deepsky::kLedaNameFile, deepsky::kLedaRecordSize,
      deepsky::kLedaNameEntrySize, deepsky::kLedaNameWidth},
     {deepsky::kPlanetaryFile, deepsky::kPlanetaryBoundsFile, {}, deepsky::kPlanetaryRecordSize, 0, 0},
@@ -155,7 +156,18 @@ bool CDeepSkyCatalogues::Object(DeepSkyCatalogueId c, std::uint32_t record, Deep
         o.inNgcIc = (r[g::kFlags] & deepsky::ledaflag::kInNgcIc) != 0;
         break;
     }
-    case DeepSkyCatalogueId::Sac: return false;
+    case DeepSkyCatalogueId::Sac: {
+        namespace g = deepsky::sac;
+        o.raJ2000Rad = LoadLE<std::int32_t>(r + g::kRa) * kRadPerMas;
+        o.decJ2000Rad = LoadLE<std::int32_t>(r + g::kDec) * kRadPerMas;
+        o.magCenti = LoadLE<std::int16_t>(r + g::kMag);
+        o.majorArcmin = LoadLE<std::uint16_t>(r + g::kMajor) * 0.1f;
+        o.minorArcmin = LoadLE<std::uint16_t>(r + g::kMinor) * 0.1f;
+        o.paDeg = LoadLE<std::int16_t>(r + g::kPa);
+        o.type = static_cast<ObjectType>(r[g::kSystemType]);
+        o.inNgcIc = (r[g::kFlags] & deepsky::ledaflag::kInNgcIc) != 0;
+        break;
+    }
     }
     return true;
 }
@@ -185,7 +197,11 @@ bool CDeepSkyCatalogues::Texts(DeepSkyCatalogueId c, std::uint32_t record, DeepS
         t.designation = "PN G" + FixedString(r + deepsky::pln::kPng, 16);
         t.otherIds = FixedString(r + deepsky::pln::kOtherId, 16);
         break;
-    case DeepSkyCatalogueId::Sac: return false;
+    case DeepSkyCatalogueId::Sac:
+        t.designation = FixedString(r + deepsky::sac::kDesignation, 18);
+        t.otherIds = FixedString(r + deepsky::sac::kOther, 18);
+        t.morphology = FixedString(r + deepsky::sac::kClass, 10);
+        break;
     }
     return true;
 }

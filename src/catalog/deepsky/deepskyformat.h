@@ -178,4 +178,24 @@ inline constexpr std::size_t kFlags = 32;       // uint8: ledaflag::kInNgcIc whe
 inline constexpr std::size_t kOtherId = 34;     // char[16]: "NGC 6543", "M 57", …
 }  // namespace pln
 
+// --- "sacsupp.dat": 64-byte records of the SAC database ----------------------
+inline constexpr std::size_t kSacRecordSize = 64;
+namespace sac {
+inline constexpr std::size_t kDesignation = 0;  // char[18]: "NGC 7831", "AND III"
+inline constexpr std::size_t kOther = 18;       // char[18]: "IC 1530"
+inline constexpr std::size_t kRa = 36;          // int32, mas, J2000
+inline constexpr std::size_t kDec = 40;         // int32, mas, J2000
+inline constexpr std::size_t kMag = 44;         // int16, 0.01 mag; kNoMagnitude
+inline constexpr std::size_t kMajor = 46;       // uint16, 0.1′
+inline constexpr std::size_t kMinor = 48;       // uint16, 0.1′
+inline constexpr std::size_t kPa = 50;          // int16, degrees; kNoPositionAngle
+inline constexpr std::size_t kSystemType = 52;  // uint8: the program's object type code
+inline constexpr std::size_t kFlags = 53;       // uint8: ledaflag::kInNgcIc for NGC, IC and Messier objects
+inline constexpr std::size_t kClass = 54;       // char[10]: "Sb", "E-SO"
+}  // namespace sac
+
+// --- "sacname.dat": 18-byte entries sorted byte by byte on the name ----------
+inline constexpr std::size_t kSacNameEntrySize = 18;
+inline constexpr std::size_t kSacNameWidth = 16;  // then int16 record number
+
 }  // namespace orv::deepsky

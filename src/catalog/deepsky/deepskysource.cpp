@@ -98,6 +98,11 @@ std::vector<std::pair<DeepSkyObject, DeepSkyTexts>> ResolveDeepSkyName(const CDe
         return out;
     }
     for (const std::uint32_t r : cats.FindCommonName(trimmed)) add(DeepSkyCatalogueId::NgcIc, r);
+    // The SAC database's own designations ("AND III", "Abell 426"), as the
+    // database writes them.
+    if (out.empty())
+        if (const auto r = cats.FindName(DeepSkyCatalogueId::Sac, trimmed))
+            add(DeepSkyCatalogueId::Sac, *r);
     return out;
 }
 

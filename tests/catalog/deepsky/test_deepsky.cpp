@@ -12,6 +12,7 @@
 #include "catalog/deepsky/deepskyfilter.h"
 #include "catalog/deepsky/deepskysource.h"
 #include "match/deepskysplit.h"
+#include "sources/sacreader.h"
 #include "sources/stellariumdsoreader.h"
 #include "support/compare.h"
 #include "writers/deepsky.h"
@@ -62,12 +63,29 @@ std::vector<db::BuildDeepSkyObject> MiniatureSource()
     return v;
 }
 
+// Three lines of the Saguaro Astronomy Club database, version 8.1
+// (SAC_DeepSky_Ver81_QCQ.TXT as the club publishes it), copied verbatim.
+const char* const kSacLines[] = {
+    R"("NGC 7831         ","IC 1530           ","GALXY","AND","00 07.3","+32 37","12.8","12.3","89 ","4 ","   1.5 m","   0.3 m","38 ","Sb         ","    ","     ","    ","eF;vS;mE;vF*v nr                                       ","                                                                                      ")",
+    R"("NGC   44         ","                  ","2STAR","AND","00 13.2","+31 17","99.9","99.9","89 ","4 ","        ","        ","   ","           ","    ","     ","    ","eF;vS                                                  ","                                                                                      ")",
+    R"("AND III          ","PGC 2121          ","GALXY","AND","00 35.4","+36 31","15.0","99.9","90 ","4 ","   2.0 m","   2.0 m","   ","dE2        ","    ","     ","    ","                                                       ","Andromeda Dwarf;Member Local Group                                                    ")",
+};
+
 class MiniatureCatalogue : public ::testing::Test {
 protected:
     static void SetUpTestSuite()
     {
         s_folder = test::MakeTempDir();
-        for (const db::OutputFile& f : db::WriteDeepSkyFiles(db::SplitDeepSkyCatalogues(MiniatureSource()))) {
+        std::vector<db::OutputFile> files = db::WriteDeepSkyFiles(db::SplitDeepSkyCatalogues(MiniatureSource()));
+        std::vector<db::BuildSacObject> sac;
+        for (const char* line : kSacLines) {
+            db::BuildSacObject o;
+            std::string why;
+            EXPECT_TRUE(db::ParseSacLine(line, o, why)) << why;
+            sac.push_back(o);
+        }
+        for (db::OutputFile& f : db::WriteSacFiles(sac)) files.push_back(std::move(f));
+        for (const db::OutputFile& f : files) {
             const std::filesystem::path path = std::filesystem::path(s_folder) / f.path;
             std::filesystem::create_directories(path.parent_path());
             std::ofstream(path, std::ios::binary)
@@ -174,7 +192,33 @@ TEST_F(MiniatureCatalogue, EachCatalogueHoldsItsObjects)
     EXPECT_EQ(m_cats.Count(DeepSkyCatalogueId::NgcIc), 7u);
     EXPECT_EQ(m_cats.Count(DeepSkyCatalogueId::Leda), 3u);
     EXPECT_EQ(m_cats.Count(DeepSkyCatalogueId::Strasbourg), 1u);
-    EXPECT_FALSE(m_cats.IsOpen(DeepSkyCatalogueId::Sac));
+    EXPECT_EQ(m_cats.Count(DeepSkyCatalogueId::Sac), 3u);
+}
+
+TEST(DeepSkyReader, SacDatabaseLines)
+{
+    db::BuildSacObject o;
+    std::string why;
+    ASSERT_TRUE(db::ParseSacLine(kSacLines[0], o, why)) << why;
+    EXPECT_EQ(o.designation, "NGC 7831");
+    EXPECT_EQ(o.other, "IC 1530");
+    EXPECT_EQ(o.type, "GALXY");
+    // 00h07.3m +32°37′ (J2000), to the database's 0.1 minute of time and
+    // arc minute.
+    EXPECT_EQ(o.raMas, std::llround(7.3 / 60.0 * 15.0 * kMasPerDeg));
+    EXPECT_EQ(o.decMas, std::llround((32.0 + 37.0 / 60.0) * kMasPerDeg));
+    EXPECT_DOUBLE_EQ(o.magnitude, 12.8);
+    EXPECT_DOUBLE_EQ(o.majorArcmin, 1.5);
+    EXPECT_DOUBLE_EQ(o.minorArcmin, 0.3);
+    EXPECT_EQ(o.paDeg, 38);
+    EXPECT_EQ(db::SacSystemType(o.type), static_cast<int>(ObjectType::Galaxy));
+    // A double star without magnitude, size or position angle.
+    ASSERT_TRUE(db::ParseSacLine(kSacLines[1], o, why)) << why;
+    EXPECT_FALSE(o.HasMagnitude());
+    EXPECT_EQ(o.majorArcmin, 0.0);
+    EXPECT_EQ(o.paDeg, -1);
+    EXPECT_EQ(db::SacSystemType(o.type), static_cast<int>(ObjectType::Star));
+    EXPECT_FALSE(db::ParseSacLine(R"("NGC 1","x")", o, why));
 }
 
 TEST_F(MiniatureCatalogue, FindsEveryDesignationForm)
@@ -205,6 +249,12 @@ TEST_F(MiniatureCatalogue, FindsEveryDesignationForm)
     found = ResolveDeepSkyName(c, "NGC 4486");
     ASSERT_EQ(found.size(), 1u);
     EXPECT_EQ(found[0].second.messier, "M 87");
+    // The SAC database's own designations.
+    found = ResolveDeepSkyName(c, "AND III");
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].first.catalogue, DeepSkyCatalogueId::Sac);
+    EXPECT_EQ(found[0].second.otherIds, "PGC 2121");
+    EXPECT_NEAR(found[0].first.majorArcmin, 2.0, 0.05);
     EXPECT_TRUE(ResolveDeepSkyName(c, "NGC 7000").empty());
     EXPECT_TRUE(ResolveDeepSkyName(c, "Orion").empty());
 }

@@ -82,48 +82,31 @@ int SystemTypeOf(StelDsoType type)
     return static_cast<int>(ObjectType::Unknown);
 }
 
-void OrderByRegion(DeepSkyCatalogue& catalogue)
-{
-    auto& objects = catalogue.objects;
-    std::vector<int> region(objects.size());
-    std::vector<std::size_t> order(objects.size());
-    for (std::size_t i = 0; i < objects.size(); ++i) {
-        region[i] = deepsky::RegionOf(objects[i].raMas, objects[i].decMas);
-        order[i] = i;
-    }
-    // Brightest first within a region; objects without a magnitude last, then
-    // the catalogue's own order, so that the build is reproducible.
-    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-        if (region[a] != region[b]) return region[a] < region[b];
-        return objects[a].Magnitude() < objects[b].Magnitude();
-    });
-    std::vector<BuildDeepSkyObject> sorted;
-    sorted.reserve(objects.size());
-    for (std::size_t i : order) sorted.push_back(std::move(objects[i]));
-    objects.swap(sorted);
+int RegionOfPlace(std::int64_t raMas, std::int64_t decMas) { return deepsky::RegionOf(raMas, decMas); }
 
+std::vector<DeepSkyRegionBounds> EmptyRegions()
+{
     constexpr std::int64_t kMasPerDeg = 3'600'000;
-    const int count = deepsky::RegionCount();
-    catalogue.regions.assign(static_cast<std::size_t>(count), {});
+    std::vector<DeepSkyRegionBounds> regions(static_cast<std::size_t>(deepsky::RegionCount()));
     const auto& starts = deepsky::ZoneStarts();
     for (int z = 0; z < deepsky::kZoneCount; ++z) {
-        const int cells = starts[static_cast<std::size_t>(z + 1)] - starts[static_cast<std::size_t>(z)];
+        const int first = starts[static_cast<std::size_t>(z)];
+        const int cells = starts[static_cast<std::size_t>(z + 1)] - first;
         for (int c = 0; c < cells; ++c) {
-            DeepSkyRegionBounds& b = catalogue.regions[static_cast<std::size_t>(starts[static_cast<std::size_t>(z)] + c)];
+            DeepSkyRegionBounds& b = regions[static_cast<std::size_t>(first + c)];
             b.raMinMas = static_cast<std::int32_t>(360 * kMasPerDeg * c / cells);
             b.raMaxMas = static_cast<std::int32_t>(360 * kMasPerDeg * (c + 1) / cells);
             b.decMinMas = static_cast<std::int32_t>(-90 * kMasPerDeg + 180 * kMasPerDeg * z / deepsky::kZoneCount);
             b.decMaxMas = static_cast<std::int32_t>(-90 * kMasPerDeg + 180 * kMasPerDeg * (z + 1) / deepsky::kZoneCount);
         }
     }
-    for (std::size_t i = 0; i < objects.size(); ++i) {
-        const int r = deepsky::RegionOf(objects[i].raMas, objects[i].decMas);
-        DeepSkyRegionBounds& b = catalogue.regions[static_cast<std::size_t>(r)];
-        if (b.count == 0) b.first = static_cast<std::uint32_t>(i);
-        ++b.count;
-        const auto reach = static_cast<std::int32_t>(std::ceil(objects[i].majorArcmin * 0.5 * 60'000.0));
-        b.reachMas = std::max(b.reachMas, reach);
-    }
+    return regions;
+}
+
+void OrderByRegion(DeepSkyCatalogue& catalogue)
+{
+    catalogue.regions =
+        OrderObjectsByRegion(catalogue.objects, [](const BuildDeepSkyObject& o) { return o.Magnitude(); });
 }
 
 DeepSkyCatalogues SplitDeepSkyCatalogues(const std::vector<BuildDeepSkyObject>& all)

@@ -237,6 +237,47 @@ OutputFile WriteDeepSkyBounds(const DeepSkyCatalogue& catalogue, std::string_vie
     return {std::string(diskName), std::move(w.Data())};
 }
 
+std::vector<OutputFile> WriteSacFiles(std::vector<BuildSacObject> objects)
+{
+    namespace f = deepsky::sac;
+    DeepSkyCatalogue bounds;
+    bounds.regions = OrderObjectsByRegion(objects, [](const BuildSacObject& o) { return o.magnitude; });
+    std::vector<std::uint8_t> bytes(objects.size() * deepsky::kSacRecordSize, 0);
+    using Entry = std::pair<std::array<char, deepsky::kSacNameWidth>, std::int16_t>;
+    std::vector<Entry> names;
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+        const BuildSacObject& o = objects[i];
+        std::uint8_t* r = bytes.data() + i * deepsky::kSacRecordSize;
+        std::memcpy(r + f::kDesignation, o.designation.data(), std::min<std::size_t>(o.designation.size(), 17));
+        std::memcpy(r + f::kOther, o.other.data(), std::min<std::size_t>(o.other.size(), 17));
+        StoreLE<std::int32_t>(r + f::kRa, static_cast<std::int32_t>(o.raMas));
+        StoreLE<std::int32_t>(r + f::kDec, static_cast<std::int32_t>(o.decMas));
+        StoreLE<std::int16_t>(r + f::kMag, o.HasMagnitude() ? MagnitudeCenti(o.magnitude) : deepsky::kNoMagnitude);
+        StoreLE<std::uint16_t>(r + f::kMajor, TenthsClamped(o.majorArcmin));
+        StoreLE<std::uint16_t>(r + f::kMinor, TenthsClamped(o.minorArcmin));
+        StoreLE<std::int16_t>(r + f::kPa, PositionAngle(o.paDeg));
+        r[f::kSystemType] = static_cast<std::uint8_t>(std::min(SacSystemType(o.type), 255));
+        // The NGC, IC and Messier objects of the database are drawn from the
+        // NGC/IC catalogue when it is on the chart.
+        const bool inNgcIc = o.designation.rfind("NGC ", 0) == 0 || o.designation.rfind("IC ", 0) == 0 ||
+                             o.designation.rfind("M ", 0) == 0;
+        r[f::kFlags] = inNgcIc ? deepsky::ledaflag::kInNgcIc : 0;
+        std::memcpy(r + f::kClass, o.objectClass.data(), std::min<std::size_t>(o.objectClass.size(), 9));
+        if (i <= 32767) names.emplace_back(FixedName<deepsky::kSacNameWidth>(o.designation), static_cast<std::int16_t>(i));
+    }
+    SortByName(names);
+    CByteWriter w;
+    for (const Entry& e : names) {
+        w.Bytes({reinterpret_cast<const std::uint8_t*>(e.first.data()), e.first.size()});
+        w.I16(e.second);
+    }
+    std::vector<OutputFile> files;
+    files.push_back({std::string(deepsky::kSacDiskName), std::move(bytes)});
+    files.push_back({std::string(deepsky::kSacNameDiskName), std::move(w.Data())});
+    files.push_back(WriteDeepSkyBounds(bounds, deepsky::kSacBoundsDiskName));
+    return files;
+}
+
 std::vector<OutputFile> WriteDeepSkyFiles(const DeepSkyCatalogues& c)
 {
     std::vector<OutputFile> files;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "match/deepskysplit.h"
+#include "sources/sacreader.h"
 #include "writers/outputfile.h"
 
 namespace orv::databuild {
@@ -17,6 +18,9 @@ OutputFile WriteLedaNames(const DeepSkyCatalogue& leda);
 OutputFile WritePlanetaryRecords(const DeepSkyCatalogue& planetary);
 // A bounds file: one entry per region of the scheme.
 OutputFile WriteDeepSkyBounds(const DeepSkyCatalogue& catalogue, std::string_view diskName);
+
+// The SAC database's records (in region order), its name index and bounds.
+std::vector<OutputFile> WriteSacFiles(std::vector<BuildSacObject> objects);
 
 // Every deep-sky file, in the order they are written.
 std::vector<OutputFile> WriteDeepSkyFiles(const DeepSkyCatalogues& catalogues);
