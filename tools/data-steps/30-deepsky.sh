@@ -15,7 +15,7 @@ sources="${ORVANE_SOURCES:-$top/data-sources}"
 
 needed=(deepsky/ngcic/ngcic.dat deepsky/ngcic/ngcicnam.idx deepsky/ngcic/ngcicbnd.dat
         deepsky/LEDA/LEDA.dat deepsky/LEDA/LEDAbnd.dat deepsky/LEDA/LEDAName.idx
-        deepsky/Strasbrg/pln.dat deepsky/Strasbrg/plnbnd.dat)
+        deepsky/Strasbrg/pln.dat deepsky/Strasbrg/plnbnd.dat CatExt.dat)
 # Raised whenever orvane-databuild --deepsky writes different files from the
 # same sources.
 revision=1

@@ -3,6 +3,7 @@
 #include <cctype>
 #include <filesystem>
 
+#include "catalog/deepsky/catalogprefix.h"
 #include "catalogbuild.h"
 #include "match/deepskysplit.h"
 #include "sources/stellariumdsoreader.h"
@@ -26,6 +27,8 @@ bool RunDeepSkyBuild(const DeepSkyBuildOptions& options, const Progress& progres
     progress("  PN G planetary nebulae: " + std::to_string(catalogues.planetary.objects.size()));
     for (const OutputFile& file : WriteDeepSkyFiles(catalogues))
         if (!StoreFile(options.outputDir, file, progress, error)) return false;
+    const std::string prefixes = CatalogPrefixText(DefaultCatalogPrefixes());
+    if (!StoreFile(options.outputDir, {"CatExt.dat", {prefixes.begin(), prefixes.end()}}, progress, error)) return false;
 
     if (options.sacFile.empty()) {
         progress("  no SAC database in the sources folder: the SAC catalogue is not built");

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "catalog/deepsky/catalogprefix.h"
 #include "catalog/deepsky/deepskyfilter.h"
 #include "catalog/deepsky/deepskysource.h"
 #include "match/deepskysplit.h"
@@ -400,4 +401,25 @@ TEST_F(MiniatureCatalogue, DamagedFilesAreReadWithinTheirLength)
     std::vector<DeepSkyObject> all;
     c.Gather(DeepSkyCatalogueId::NgcIc, 0.0, 0.0, kPi, all);
     EXPECT_LE(all.size(), 6u);
+}
+
+TEST(DeepSkyNames, CatalogPrefixesForABareNumber)
+{
+    const auto parsed = ParseCatalogPrefixes("# comment\nNGC|New General Catalogue\n\nPN G|Strasbourg-ESO\r\n  IC  \n|no prefix\n");
+    ASSERT_EQ(parsed.size(), 3u);
+    EXPECT_EQ(parsed[0].prefix, "NGC");
+    EXPECT_EQ(parsed[0].description, "New General Catalogue");
+    EXPECT_EQ(parsed[1].prefix, "PN G");
+    EXPECT_EQ(parsed[1].description, "Strasbourg-ESO");
+    EXPECT_EQ(parsed[2].prefix, "IC");
+    // What the builder writes reads back the same.
+    const auto defaults = DefaultCatalogPrefixes();
+    const auto back = ParseCatalogPrefixes(CatalogPrefixText(defaults));
+    ASSERT_EQ(back.size(), defaults.size());
+    for (std::size_t i = 0; i < back.size(); ++i) EXPECT_EQ(back[i].prefix, defaults[i].prefix);
+    EXPECT_TRUE(IsBareCatalogueNumber(" 7000 "));
+    EXPECT_FALSE(IsBareCatalogueNumber("M42"));
+    EXPECT_FALSE(IsBareCatalogueNumber(""));
+    EXPECT_EQ(WithCatalogPrefix("NGC", "7000"), "NGC 7000");
+    EXPECT_EQ(WithCatalogPrefix("PN G", "054.1-12.1"), "PN G054.1-12.1");
 }
