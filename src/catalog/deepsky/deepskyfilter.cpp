@@ -45,6 +45,18 @@ std::string Squeeze(std::string_view s)
 
 }  // namespace
 
+bool DeepSkyTypeBit(const CDeepSkySettings& s, ObjectType type) { return TypeBit(s.objectTypes, type); }
+
+void SetDeepSkyTypeBit(CDeepSkySettings& s, ObjectType type, bool shown)
+{
+    const int code = static_cast<int>(type);
+    if (code < 0 || code >= 31) return;
+    if (shown)
+        s.objectTypes |= 1 << code;
+    else
+        s.objectTypes &= ~(1 << code);
+}
+
 bool NgcTypeMatches(ObjectType code, std::uint8_t b)
 {
     using deepsky::NgcType;

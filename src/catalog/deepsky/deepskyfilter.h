@@ -26,6 +26,11 @@ bool NgcTypeMatches(ObjectType code, std::uint8_t ngcType);
 // spaces ("NGC 7*; M*"). An empty filter lets every name through.
 bool NameFilterMatches(std::string_view filter, std::string_view name);
 
+// The "ObjectTypes" bits as the property page edits them: bit n shows type
+// code n, bit 0 ("All") every type.
+bool DeepSkyTypeBit(const CDeepSkySettings& s, ObjectType type);
+void SetDeepSkyTypeBit(CDeepSkySettings& s, ObjectType type, bool shown);
+
 class CDeepSkyFilter {
 public:
     // From the document's settings and the view's state at the chart's level.
