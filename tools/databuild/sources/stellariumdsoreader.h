@@ -12,8 +12,9 @@
 // SNR G, ACO, HCG, ESO, vdB-H, DWB, Trumpler, Stock, Ruprecht, vdB-Ha);
 // numbers are 32-bit integers and the others strings, as the version's
 // reader in Stellarium (Nebula::readDSO) takes them. The catalogue merges
-// the revised NGC/IC of OpenNGC with the PGC galaxies and the Strasbourg-ESO
-// planetary nebulae among others.
+// the NGC/IC objects with the PGC galaxies, the Strasbourg-ESO planetary
+// nebulae and a dozen smaller catalogues, one record per object with every
+// number it has.
 #pragma once
 
 #include <cstdint>
