@@ -85,7 +85,9 @@ std::string BuildSmallCatalogue()
     db::Catalogue cat;
     if (!db::AssembleCatalogue(stars, index, cat, error)) ADD_FAILURE() << error;
     db::CrossReport report;
-    for (const db::OutputFile& f : db::BuildStarFiles(cat, hip, report)) {
+    std::vector<db::OutputFile> files = db::BuildStarFiles(cat, hip, report);
+    for (db::OutputFile& f : SmallDeepSkyFiles()) files.push_back(std::move(f));
+    for (const db::OutputFile& f : files) {
         const auto& bytes = f.bytes;
         const fs::path p = fs::path(dir) / f.path;
         fs::create_directories(p.parent_path());

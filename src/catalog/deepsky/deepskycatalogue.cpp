@@ -36,6 +36,10 @@ std::string FixedString(const std::uint8_t* p, std::size_t width)
     return std::string(c, strnlen(c, width));
 }
 
+// The object type code of a record: 255 stands for "Unknown" (9999),
+// which does not fit the byte.
+ObjectType TypeFromByte(std::uint8_t b) { return b == 255 ? ObjectType::Unknown : static_cast<ObjectType>(b); }
+
 std::string Lower(std::string_view s)
 {
     std::string out(s);
@@ -128,7 +132,7 @@ bool CDeepSkyCatalogues::Object(DeepSkyCatalogueId c, std::uint32_t record, Deep
         o.majorArcmin = LoadLE<std::uint16_t>(r + g::kMajor) * 0.1f;
         o.minorArcmin = LoadLE<std::uint16_t>(r + g::kMinor) * 0.1f;
         o.paDeg = LoadLE<std::int16_t>(r + g::kPa);
-        o.type = static_cast<ObjectType>(r[g::kSystemType]);
+        o.type = TypeFromByte(r[g::kSystemType]);
         o.ngcType = r[g::kType];
         break;
     }
@@ -140,7 +144,7 @@ bool CDeepSkyCatalogues::Object(DeepSkyCatalogueId c, std::uint32_t record, Deep
         o.majorArcmin = LoadLE<std::uint16_t>(r + g::kMajor) * 0.1f;
         o.minorArcmin = LoadLE<std::uint16_t>(r + g::kMinor) * 0.1f;
         o.paDeg = LoadLE<std::int16_t>(r + g::kPa);
-        o.type = static_cast<ObjectType>(r[g::kSystemType]);
+        o.type = TypeFromByte(r[g::kSystemType]);
         o.inNgcIc = (r[g::kFlags] & deepsky::ledaflag::kInNgcIc) != 0;
         break;
     }
@@ -164,7 +168,7 @@ bool CDeepSkyCatalogues::Object(DeepSkyCatalogueId c, std::uint32_t record, Deep
         o.majorArcmin = LoadLE<std::uint16_t>(r + g::kMajor) * 0.1f;
         o.minorArcmin = LoadLE<std::uint16_t>(r + g::kMinor) * 0.1f;
         o.paDeg = LoadLE<std::int16_t>(r + g::kPa);
-        o.type = static_cast<ObjectType>(r[g::kSystemType]);
+        o.type = TypeFromByte(r[g::kSystemType]);
         o.inNgcIc = (r[g::kFlags] & deepsky::ledaflag::kInNgcIc) != 0;
         break;
     }
