@@ -123,56 +123,41 @@ bool CDeepSkyCatalogues::Object(DeepSkyCatalogueId c, std::uint32_t record, Deep
     o = DeepSkyObject{};
     o.catalogue = c;
     o.record = record;
-    switch (c) {
-    case DeepSkyCatalogueId::NgcIc: {
-        namespace g = deepsky::ngc;
-        o.raJ2000Rad = LoadLE<std::int32_t>(r + g::kRa) * kRadPerMas;
-        o.decJ2000Rad = LoadLE<std::int32_t>(r + g::kDec) * kRadPerMas;
-        o.magCenti = LoadLE<std::int16_t>(r + g::kMag);
-        o.majorArcmin = LoadLE<std::uint16_t>(r + g::kMajor) * 0.1f;
-        o.minorArcmin = LoadLE<std::uint16_t>(r + g::kMinor) * 0.1f;
-        o.paDeg = LoadLE<std::int16_t>(r + g::kPa);
-        o.type = TypeFromByte(r[g::kSystemType]);
-        o.ngcType = r[g::kType];
-        break;
-    }
-    case DeepSkyCatalogueId::Leda: {
-        namespace g = deepsky::leda;
-        o.raJ2000Rad = LoadLE<std::int32_t>(r + g::kRa) * kRadPerMas;
-        o.decJ2000Rad = LoadLE<std::int32_t>(r + g::kDec) * kRadPerMas;
-        o.magCenti = LoadLE<std::int16_t>(r + g::kMag);
-        o.majorArcmin = LoadLE<std::uint16_t>(r + g::kMajor) * 0.1f;
-        o.minorArcmin = LoadLE<std::uint16_t>(r + g::kMinor) * 0.1f;
-        o.paDeg = LoadLE<std::int16_t>(r + g::kPa);
-        o.type = TypeFromByte(r[g::kSystemType]);
-        o.inNgcIc = (r[g::kFlags] & deepsky::ledaflag::kInNgcIc) != 0;
-        break;
-    }
-    case DeepSkyCatalogueId::Strasbourg: {
-        namespace g = deepsky::pln;
-        o.raJ2000Rad = LoadLE<std::int32_t>(r + g::kRa) * kRadPerMas;
-        o.decJ2000Rad = LoadLE<std::int32_t>(r + g::kDec) * kRadPerMas;
-        o.magCenti = LoadLE<std::int16_t>(r + g::kMag);
-        o.majorArcmin = LoadLE<std::uint16_t>(r + g::kMajor) / 600.0f;
-        o.minorArcmin = LoadLE<std::uint16_t>(r + g::kMinor) / 600.0f;
-        o.paDeg = LoadLE<std::int16_t>(r + g::kPa);
-        o.type = ObjectType::PlanetaryNebula;
-        o.inNgcIc = (r[g::kFlags] & deepsky::ledaflag::kInNgcIc) != 0;
-        break;
-    }
-    case DeepSkyCatalogueId::Sac: {
+    // Every record holds the same fields at its own offsets; planetary
+    // nebulae keep their axes in 0.1″, the others in 0.1′.
+    struct Fields {
+        std::size_t ra, dec, mag, major, minor, pa, type, flags;
+        float arcminPerUnit;
+    };
+    static constexpr std::size_t kNone = ~std::size_t{0};
+    const Fields fields = [c] {
+        switch (c) {
+        case DeepSkyCatalogueId::NgcIc: {
+            namespace g = deepsky::ngc;
+            return Fields{g::kRa, g::kDec, g::kMag, g::kMajor, g::kMinor, g::kPa, g::kSystemType, kNone, 0.1f};
+        }
+        case DeepSkyCatalogueId::Leda: {
+            namespace g = deepsky::leda;
+            return Fields{g::kRa, g::kDec, g::kMag, g::kMajor, g::kMinor, g::kPa, g::kSystemType, g::kFlags, 0.1f};
+        }
+        case DeepSkyCatalogueId::Strasbourg: {
+            namespace g = deepsky::pln;
+            return Fields{g::kRa, g::kDec, g::kMag, g::kMajor, g::kMinor, g::kPa, kNone, g::kFlags, 1.0f / 600.0f};
+        }
+        case DeepSkyCatalogueId::Sac: break;
+        }
         namespace g = deepsky::sac;
-        o.raJ2000Rad = LoadLE<std::int32_t>(r + g::kRa) * kRadPerMas;
-        o.decJ2000Rad = LoadLE<std::int32_t>(r + g::kDec) * kRadPerMas;
-        o.magCenti = LoadLE<std::int16_t>(r + g::kMag);
-        o.majorArcmin = LoadLE<std::uint16_t>(r + g::kMajor) * 0.1f;
-        o.minorArcmin = LoadLE<std::uint16_t>(r + g::kMinor) * 0.1f;
-        o.paDeg = LoadLE<std::int16_t>(r + g::kPa);
-        o.type = TypeFromByte(r[g::kSystemType]);
-        o.inNgcIc = (r[g::kFlags] & deepsky::ledaflag::kInNgcIc) != 0;
-        break;
-    }
-    }
+        return Fields{g::kRa, g::kDec, g::kMag, g::kMajor, g::kMinor, g::kPa, g::kSystemType, g::kFlags, 0.1f};
+    }();
+    o.raJ2000Rad = LoadLE<std::int32_t>(r + fields.ra) * kRadPerMas;
+    o.decJ2000Rad = LoadLE<std::int32_t>(r + fields.dec) * kRadPerMas;
+    o.magCenti = LoadLE<std::int16_t>(r + fields.mag);
+    o.majorArcmin = LoadLE<std::uint16_t>(r + fields.major) * fields.arcminPerUnit;
+    o.minorArcmin = LoadLE<std::uint16_t>(r + fields.minor) * fields.arcminPerUnit;
+    o.paDeg = LoadLE<std::int16_t>(r + fields.pa);
+    o.type = fields.type != kNone ? TypeFromByte(r[fields.type]) : ObjectType::PlanetaryNebula;
+    o.inNgcIc = fields.flags != kNone && (r[fields.flags] & deepsky::ledaflag::kInNgcIc) != 0;
+    if (c == DeepSkyCatalogueId::NgcIc) o.ngcType = r[deepsky::ngc::kType];
     return true;
 }
 
