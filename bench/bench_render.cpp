@@ -1,10 +1,12 @@
-// Chart drawing speed: a full redraw (star query included) of a 1920 × 1080
-// off-screen image at each level's default field and limiting magnitude, a
-// stress chart of 45° at magnitude 11.5 in the Milky Way, and a redraw that
-// reuses the star list (what scrolling the time or repainting costs).
+// Chart drawing speed: a full redraw (star and deep-sky queries included) of
+// a 1920 × 1080 off-screen image at each level's default field and limiting
+// magnitude, a stress chart of 45° at magnitude 11.5 in the Milky Way, a
+// redraw that reuses the star list (what scrolling the time or repainting
+// costs), and a 5° chart of the Virgo cluster with every LEDA galaxy.
 //
 // Needs the built star catalogue (ORVANE_DATA or the build's data folder);
-// without it every case is skipped with a message.
+// without it every case is skipped with a message. Without the deep-sky
+// files the charts are drawn without deep-sky objects.
 #include <benchmark/benchmark.h>
 
 #include <QGuiApplication>
@@ -14,6 +16,7 @@
 #include <memory>
 
 #include "catalog/constellations/drawconstellations.h"
+#include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
 #include "catalog/stars/tycho2catalogue.h"
 #include "map/mapdraw.h"
@@ -51,15 +54,18 @@ struct Chart {
     }
 };
 
-// The program's chart assembly: the map's layers and the star catalogue.
+// The program's chart assembly: the map's layers, the star catalogue and
+// the deep-sky catalogues.
 struct Components {
     std::shared_ptr<CStarCatalogueHandle> stars = std::make_shared<CStarCatalogueHandle>();
+    std::shared_ptr<CDeepSkyCatalogueHandle> deepSky = std::make_shared<CDeepSkyCatalogueHandle>();
     CChartComponents chart;
     Components()
     {
         RegisterMapLayers(chart.layers);
         RegisterStarCatalogue(chart, stars);
         RegisterConstellations(chart, stars);
+        RegisterDeepSkyCatalogues(chart, deepSky);
     }
 };
 
@@ -89,6 +95,10 @@ void Run(benchmark::State& state, Chart& chart, bool invalidate)
     state.counters["stars"] = renderer.LastStats().starsDrawn;
     state.counters["gathered"] = renderer.LastStats().starsGathered;
     state.counters["labels"] = renderer.LastStats().labelsDrawn;
+    const auto deepSkySource = Catalogues().chart.objects.IdOf(Catalogues().chart.objects.SourceOf<CDeepSkyObjectSource>());
+    int deepSky = 0;
+    for (const SceneObject& o : renderer.LastScene().Objects()) deepSky += deepSkySource && o.source == *deepSkySource;
+    state.counters["deepSky"] = deepSky;
 }
 
 // Levels 1-10 (index 0-9) at their default field and limit, centred on Orion.
@@ -118,6 +128,22 @@ void BM_RepaintLevel5(benchmark::State& state)
     Run(state, chart, false);
 }
 BENCHMARK(BM_RepaintLevel5)->Unit(benchmark::kMillisecond);
+
+// The Virgo cluster, 5° from the centre to the top edge, centred between
+// M 87 and M 86, with the LEDA galaxies at every level and no magnitude
+// limit: every PGC galaxy of the field is drawn (about two thousand).
+void BM_VirgoAllLeda5Deg(benchmark::State& state)
+{
+    Chart chart(4, 12.45, 12.7);
+    CLevelTable levels = chart.view->Levels();
+    for (int l = 0; l < kLevelCount; ++l) levels[l].dsMagLimit = 0;
+    chart.doc->deepSky.levelLowLEDA = 0;
+    chart.view->SetLevels(levels);
+    chart.view->SetField(5.0);
+    chart.view->coordinates.SetCentreRaDec(chart.doc->observer, 12.45 * kRadPerHour, 12.7 * kRadPerDeg);
+    Run(state, chart, true);
+}
+BENCHMARK(BM_VirgoAllLeda5Deg)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

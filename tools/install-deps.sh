@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config git xz-utils ca-certificates
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev
-  libfreeimage-dev liberfa-dev
+  libfreeimage-dev liberfa-dev zlib1g-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   fonts-dejavu-core
   python3-sgp4

@@ -5,6 +5,7 @@
 
 #include "app/qtsettingsstore.h"
 #include "catalog/constellations/drawconstellations.h"
+#include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
 #include "satellite/passdraw.h"
 #include "util/settingsstore.h"
@@ -18,11 +19,12 @@ constexpr const char* kSettings = "Settings";
 CAppContext::CAppContext(CSettingsStore& settings, QObject* parent)
     : QObject(parent), m_settings(settings), m_stars(std::make_shared<CStarCatalogueHandle>())
 {
-    // The program's charts: the map's own layers, the star catalogue, and
+    // The program's charts: the map's own layers, the star and deep-sky catalogues, and
     // the satellite passes plotted from the pass sheet.
     RegisterMapLayers(m_components.layers);
     RegisterStarCatalogue(m_components, m_stars);
     RegisterConstellations(m_components, m_stars);
+    RegisterDeepSkyCatalogues(m_components, std::make_shared<CDeepSkyCatalogueHandle>());
     sat::RegisterPlottedPassLayer(m_components.layers);
     m_levels.Load(settings);
     const int scheme = settings.GetInt(kSettings, "ColourScheme", 0);

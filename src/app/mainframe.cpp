@@ -19,6 +19,7 @@
 #include <QToolBar>
 
 #include "app/appcontext.h"
+#include "app/deepskywindows.h"
 #include "app/dialogs.h"
 #include "app/mapprint.h"
 #include "app/mapwindow.h"
@@ -139,6 +140,7 @@ void CMainFrame::CreateActions()
     m_showTargetAct->setChecked(m_app.ShowSearchTarget());
     m_clearTargetAct = make(tr("&Clear Search Target"), QKeySequence(), onMap([](CMapWindow* w) { w->ClearSearchTarget(); }));
     m_visibleStarsAct = make(tr("Stars &Visible on the Map..."), QKeySequence(), [this] { VisibleStars(); });
+    m_visibleDeepSkyAct = make(tr("&Deep Sky Objects Visible on the Map..."), QKeySequence(), [this] { VisibleDeepSky(); });
     m_viewLevelsAct = make(tr("View &Levels..."), QKeySequence(), [this] { ViewLevels(); }, false);
 
     m_siteTimeAct = make(tr("&Site and Time..."), QKeySequence(Qt::CTRL | Qt::Key_T), [this] { SiteAndTime(); });
@@ -158,9 +160,10 @@ void CMainFrame::CreateActions()
         m_timeModeActs.append(a);
     }
     m_starOptionsAct = make(tr("S&tar Options..."), QKeySequence(), [this] { StarOptions(); });
+    m_deepSkyOptionsAct = make(tr("&Deep Sky Options..."), QKeySequence(), [this] { DeepSkyOptions(); });
     m_gridOptionsAct = make(tr("&Grids..."), QKeySequence(), [this] { GridOptions(); });
     m_constellationOptionsAct = make(tr("&Constellations..."), QKeySequence(), [this] { ConstellationOptions(); });
-    m_findAct = make(tr("&Find Star..."), QKeySequence::Find, [this] {
+    m_findAct = make(tr("&Find..."), QKeySequence::Find, [this] {
         m_findBox->setFocus();
         m_findBox->selectAll();
     });
@@ -207,6 +210,7 @@ void CMainFrame::CreateMenus()
     view->addAction(m_flipVAct);
     view->addSeparator();
     view->addAction(m_visibleStarsAct);
+    view->addAction(m_visibleDeepSkyAct);
     view->addAction(m_viewLevelsAct);
 
     QMenu* map = menuBar()->addMenu(tr("&Map"));
@@ -221,6 +225,7 @@ void CMainFrame::CreateMenus()
     map->addAction(m_findAct);
     map->addAction(m_starOptionsAct);
     map->addAction(m_constellationOptionsAct);
+    map->addAction(m_deepSkyOptionsAct);
     map->addAction(m_gridOptionsAct);
 
     menuBar()->addMenu(m_satellites->Menu());
@@ -265,7 +270,7 @@ void CMainFrame::CreateToolBars()
     chart->addSeparator();
 
     m_findBox = new QLineEdit(this);
-    m_findBox->setPlaceholderText(tr("Find star: Sirius, alpha CMa, HIP 32349…"));
+    m_findBox->setPlaceholderText(tr("Find: Sirius, alpha CMa, HIP 32349, M 42, NGC 7000…"));
     m_findBox->setClearButtonEnabled(true);
     m_findBox->setMinimumWidth(240);
     chart->addWidget(m_findBox);
@@ -388,8 +393,14 @@ bool CMainFrame::FindAndCentre(const QString& text)
 {
     CMapWindow* w = ActiveMap();
     if (w == nullptr) w = NewMap();
-    const QString query = text.trimmed();
+    QString query = text.trimmed();
     if (query.isEmpty()) return false;
+    // A number typed alone names nothing until its catalogue is known.
+    if (IsBareCatalogueNumber(query.toStdString())) {
+        const auto prefix = AskCatalogPrefix(this);
+        if (!prefix) return false;
+        query = QString::fromStdString(WithCatalogPrefix(*prefix, query.toStdString()));
+    }
     // Every catalogue registered with the program is asked, the place
     // computed for the map's date.
     const FindResult found = m_app.Components().objects.Resolve(query.toStdString(), w->Doc().observer);
@@ -543,6 +554,24 @@ void CMainFrame::ConstellationOptions()
         w->View().SetLevel(w->View().Level(), CMapView::TakeField::No);
         w->MapChanged();
     }
+}
+
+void CMainFrame::DeepSkyOptions()
+{
+    CMapWindow* w = ActiveMap();
+    if (w == nullptr) return;
+    CDeepSkyPropertySheet sheet(w->Doc().deepSky, m_app.Settings(), this);
+    if (sheet.exec() == QDialog::Accepted) {
+        w->Doc().deepSky = sheet.Result();
+        w->View().SetLevel(w->View().Level(), CMapView::TakeField::No);
+        w->Renderer().Invalidate();
+        w->MapChanged();
+    }
+}
+
+void CMainFrame::VisibleDeepSky()
+{
+    if (CMapWindow* w = ActiveMap()) ShowVisibleDeepSky(this, *w, m_app);
 }
 
 void CMainFrame::GridOptions()

@@ -67,6 +67,8 @@ private:
     void GridOptions();
     void ViewLevels();
     void VisibleStars();
+    void VisibleDeepSky();
+    void DeepSkyOptions();
     void About();
 
     CAppContext& m_app;
@@ -103,6 +105,8 @@ private:
     QAction* m_showTargetAct = nullptr;
     QAction* m_clearTargetAct = nullptr;
     QAction* m_visibleStarsAct = nullptr;
+    QAction* m_visibleDeepSkyAct = nullptr;
+    QAction* m_deepSkyOptionsAct = nullptr;
     QAction* m_viewLevelsAct = nullptr;
     QAction* m_siteTimeAct = nullptr;
     QAction* m_nowAct = nullptr;

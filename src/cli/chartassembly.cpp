@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "catalog/constellations/drawconstellations.h"
+#include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
 #include "satellite/passdraw.h"
 
@@ -16,6 +17,7 @@ const CChartComponents& ChartComponents()
         auto stars = std::make_shared<CStarCatalogueHandle>();
         RegisterStarCatalogue(c, stars);
         RegisterConstellations(c, stars);
+        RegisterDeepSkyCatalogues(c, std::make_shared<CDeepSkyCatalogueHandle>());
         sat::RegisterPlottedPassLayer(c.layers);
         return c;
     }();

@@ -48,6 +48,11 @@ struct ChartPalette {
     QColor conFigure;           // constellation figure lines
     QColor conBoundary;         // constellation boundaries
     QColor conName;             // constellation names and the corner name
+    QColor deepSkyGalaxy;       // galaxy ellipses
+    QColor deepSkyCluster;      // open and globular cluster symbols
+    QColor deepSkyNebula;       // bright and planetary nebulae, remnants
+    QColor deepSkyDark;         // dark nebulae
+    QColor deepSkyLabel;        // deep-sky designations and names
 
     // A star colour brought to the scheme (red: luminance as red).
     QColor StarColour(const QColor& c) const;

@@ -50,6 +50,11 @@ ChartPalette NormalPalette()
     p.conFigure = QColor(70, 110, 120);
     p.conBoundary = QColor(110, 80, 60);
     p.conName = QColor(110, 160, 170);
+    p.deepSkyGalaxy = QColor(230, 120, 120);
+    p.deepSkyCluster = QColor(230, 210, 110);
+    p.deepSkyNebula = QColor(120, 210, 140);
+    p.deepSkyDark = QColor(120, 120, 140);
+    p.deepSkyLabel = QColor(190, 190, 170);
     return p;
 }
 
@@ -81,6 +86,11 @@ ChartPalette BlackOnWhitePalette()
     p.conFigure = QColor(110, 110, 110);
     p.conBoundary = QColor(150, 150, 150);
     p.conName = QColor(60, 60, 60);
+    p.deepSkyGalaxy = QColor(0, 0, 0);
+    p.deepSkyCluster = QColor(0, 0, 0);
+    p.deepSkyNebula = QColor(0, 0, 0);
+    p.deepSkyDark = QColor(110, 110, 110);
+    p.deepSkyLabel = QColor(0, 0, 0);
     return p;
 }
 
@@ -111,6 +121,11 @@ ChartPalette RedPalette()
     p.conFigure = QColor(100, 0, 0);
     p.conBoundary = QColor(80, 0, 0);
     p.conName = QColor(150, 0, 0);
+    p.deepSkyGalaxy = QColor(200, 0, 0);
+    p.deepSkyCluster = QColor(200, 0, 0);
+    p.deepSkyNebula = QColor(170, 0, 0);
+    p.deepSkyDark = QColor(100, 0, 0);
+    p.deepSkyLabel = QColor(180, 0, 0);
     return p;
 }
 
@@ -148,7 +163,8 @@ ChartPalette MakePalette(ColourScheme scheme, SurfaceKind kind, bool monochrome)
                           &p.gridFaint[0], &p.gridFaint[1], &p.gridFaint[2], &p.gridFaint[3], &p.gridLabel,
                           &p.starPlain, &p.starHalo, &p.starLabel, &p.greekLabel, &p.starMark, &p.pmLine,
                           &p.scaleLine, &p.compass, &p.labelBackground, &p.satellitePath, &p.satelliteText,
-                          &p.conFigure, &p.conBoundary, &p.conName})
+                          &p.conFigure, &p.conBoundary, &p.conName, &p.deepSkyGalaxy, &p.deepSkyCluster,
+                          &p.deepSkyNebula, &p.deepSkyDark, &p.deepSkyLabel})
             grey(*c);
     }
     if (p.redOnly) {

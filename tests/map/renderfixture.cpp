@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "catalog/constellations/drawconstellations.h"
+#include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
 #include "catalogbuild.h"
 #include "satellite/passdraw.h"
@@ -85,7 +86,9 @@ std::string BuildSmallCatalogue()
     db::Catalogue cat;
     if (!db::AssembleCatalogue(stars, index, cat, error)) ADD_FAILURE() << error;
     db::CrossReport report;
-    for (const db::OutputFile& f : db::BuildStarFiles(cat, hip, report)) {
+    std::vector<db::OutputFile> files = db::BuildStarFiles(cat, hip, report);
+    for (db::OutputFile& f : SmallDeepSkyFiles()) files.push_back(std::move(f));
+    for (const db::OutputFile& f : files) {
         const auto& bytes = f.bytes;
         const fs::path p = fs::path(dir) / f.path;
         fs::create_directories(p.parent_path());
@@ -130,6 +133,7 @@ CTestChartComponents::CTestChartComponents() : stars(std::make_shared<CStarCatal
     RegisterMapLayers(components.layers);
     RegisterStarCatalogue(components, stars);
     RegisterConstellations(components, stars);
+    RegisterDeepSkyCatalogues(components, std::make_shared<CDeepSkyCatalogueHandle>());
     sat::RegisterPlottedPassLayer(components.layers);
 }
 

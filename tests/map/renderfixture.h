@@ -21,12 +21,17 @@
 #include "map/mapdraw.h"
 #include "map/mapview.h"
 #include "util/settingsstore.h"
+#include "writers/outputfile.h"
 
 namespace orv::test {
 
 // The small catalogue's folder, built once per test program; ORVANE_DATA
 // points at it while a CSmallCatalogueChart lives.
 const std::string& SmallCatalogueFolder();
+
+// The deep-sky files written beside the stars: three objects around 18h, 0°,
+// far from the stars (test_deepskylayer.cpp).
+std::vector<databuild::OutputFile> SmallDeepSkyFiles();
 
 // J2000 places of the four stars, degrees.
 inline constexpr double kCentreRaDeg = 90.0, kCentreDecDeg = 0.0;

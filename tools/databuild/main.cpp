@@ -8,6 +8,7 @@
 
 #include "catalogbuild.h"
 #include "constellationbuild.h"
+#include "deepskybuild.h"
 #include "util/datapath.h"
 
 namespace {
@@ -17,6 +18,7 @@ void Usage(std::FILE* to)
     std::fputs(
         "usage: orvane-databuild [--sources DIR] [--tycho2 DIR] [--stellarium DIR] [--kstars DIR]\n"
         "                        [--out DATA_FOLDER] [--constellations]\n"
+        "       orvane-databuild --deepsky [--sources DIR] [--stellarium DIR] [--out DATA_FOLDER]\n"
         "\n"
         "Builds the Tycho-2 star files (star/Tycho2/*, data/rgnbound.dat) into the data folder.\n"
         "  --sources DIR     the folder filled by tools/fetch-sources.sh (default: data-sources)\n"
@@ -27,7 +29,10 @@ void Usage(std::FILE* to)
         "                    (default: DIR/kstars-data/usr/share/kstars)\n"
         "  --out FOLDER      the data folder to write (default: the program's data folder)\n"
         "  --constellations  build the constellation files instead (star/Tycho2/ConstFig.dat,\n"
-        "                    data/conname.dat, data/constnam.dat, data/conbound.dat)\n",
+        "                    data/conname.dat, data/constnam.dat, data/conbound.dat)\n"
+        "  --deepsky         build the deep-sky catalogue files (deepsky/*) from stellarium-data\n"
+        "                    instead of the star files, and the SAC database when its file\n"
+        "                    (SAC_DeepSky_Ver81_QCQ.TXT) lies in DIR/sac\n",
         to);
 }
 
@@ -39,6 +44,7 @@ int main(int argc, char** argv)
     std::string sources = "data-sources";
     orv::databuild::BuildOptions options;
     bool constellations = false;
+    bool deepSky = false;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         auto value = [&](std::string& into) {
@@ -54,6 +60,7 @@ int main(int argc, char** argv)
         else if (arg == "--kstars") value(options.kstarsDir);
         else if (arg == "--out") value(options.outputDir);
         else if (arg == "--constellations") constellations = true;
+        else if (arg == "--deepsky") deepSky = true;
         else if (arg == "--help" || arg == "-h") {
             Usage(stdout);
             return 0;
@@ -70,7 +77,7 @@ int main(int argc, char** argv)
         options.kstarsDir = (fs::path(sources) / "kstars-data" / "usr" / "share" / "kstars").string();
     if (options.outputDir.empty()) options.outputDir = orv::GetDataPath();
     const auto start = std::chrono::steady_clock::now();
-    const auto progress = [&](const std::string& line) {
+    auto progress = [&](const std::string& line) {
         const double s = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
         std::printf("[%6.1f s] %s\n", s, line.c_str());
         std::fflush(stdout);
@@ -85,6 +92,16 @@ int main(int argc, char** argv)
         std::printf("orvane-databuild: done\n");
         return 0;
     }
+    if (deepSky) {
+        std::string error;
+        const std::string sacFile = orv::databuild::FindSacFile((fs::path(sources) / "sac").string());
+        if (!orv::databuild::RunDeepSkyBuild({options.stellariumDir, options.outputDir, sacFile}, progress, error)) {
+            std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
+            return 1;
+        }
+        std::printf("orvane-databuild: deep-sky files done\n");
+        return 0;
+    }
     if (!fs::is_directory(options.tycho2Dir)) {
         std::fprintf(stderr,
                      "orvane-databuild: no Tycho-2 folder at %s\n"
@@ -95,8 +112,7 @@ int main(int argc, char** argv)
 
     std::printf("orvane-databuild: writing into %s\n", options.outputDir.c_str());
     std::string error;
-    const bool ok = orv::databuild::RunBuild(
-        options, progress, error);
+    const bool ok = orv::databuild::RunBuild(options, progress, error);
     if (!ok) {
         std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
         std::fprintf(stderr, "orvane-databuild: nothing was replaced after this point; existing files are intact\n");
