@@ -7,6 +7,7 @@
 #include <string>
 
 #include "catalogbuild.h"
+#include "planetbuild.h"
 #include "util/datapath.h"
 
 namespace {
@@ -16,6 +17,7 @@ void Usage(std::FILE* to)
     std::fputs(
         "usage: orvane-databuild [--sources DIR] [--tycho2 DIR] [--stellarium DIR] [--kstars DIR]\n"
         "                        [--out DATA_FOLDER]\n"
+        "       orvane-databuild --planets ASTRONOMIA_DIR [--moon-block FILE] [--out DATA_FOLDER]\n"
         "\n"
         "Builds the Tycho-2 star files (star/Tycho2/*, data/rgnbound.dat) into the data folder.\n"
         "  --sources DIR     the folder filled by tools/fetch-sources.sh (default: data-sources)\n"
@@ -24,7 +26,12 @@ void Usage(std::FILE* to)
         "                    (default: DIR/stellarium-data/usr/share/stellarium)\n"
         "  --kstars DIR      kstars-data's share folder, holding stars.dat\n"
         "                    (default: DIR/kstars-data/usr/share/kstars)\n"
-        "  --out FOLDER      the data folder to write (default: the program's data folder)\n",
+        "  --out FOLDER      the data folder to write (default: the program's data folder)\n"
+        "\n"
+        "With --planets, builds the VSOP87 series (Data/VSOP87.idx, Data/VSOP87.dat) instead,\n"
+        "from the unpacked npm package astronomia (the folder holding data/vsop87D*.js);\n"
+        "--moon-block FILE also writes the lunar series block from its ELP/MPP02 series\n"
+        "(the program's src/solarsystem/moondata.bin).\n",
         to);
 }
 
@@ -35,6 +42,8 @@ int main(int argc, char** argv)
     namespace fs = std::filesystem;
     std::string sources = "data-sources";
     orv::databuild::BuildOptions options;
+    std::string astronomiaDir;
+    std::string moonBlock;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         auto value = [&](std::string& into) {
@@ -49,6 +58,8 @@ int main(int argc, char** argv)
         else if (arg == "--stellarium") value(options.stellariumDir);
         else if (arg == "--kstars") value(options.kstarsDir);
         else if (arg == "--out") value(options.outputDir);
+        else if (arg == "--planets") value(astronomiaDir);
+        else if (arg == "--moon-block") value(moonBlock);
         else if (arg == "--help" || arg == "-h") {
             Usage(stdout);
             return 0;
@@ -58,12 +69,27 @@ int main(int argc, char** argv)
             return 2;
         }
     }
+    if (options.outputDir.empty()) options.outputDir = orv::GetDataPath();
+    const auto start = std::chrono::steady_clock::now();
+    const auto progress = [&](const std::string& line) {
+        const double s = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        std::printf("[%6.1f s] %s\n", s, line.c_str());
+        std::fflush(stdout);
+    };
+    if (!astronomiaDir.empty()) {
+        std::string error;
+        if (!orv::databuild::RunPlanetBuild({astronomiaDir, options.outputDir, moonBlock}, progress, error)) {
+            std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
+            return 1;
+        }
+        std::printf("orvane-databuild: done\n");
+        return 0;
+    }
     if (options.tycho2Dir.empty()) options.tycho2Dir = (fs::path(sources) / "tycho2").string();
     if (options.stellariumDir.empty())
         options.stellariumDir = (fs::path(sources) / "stellarium-data" / "usr" / "share" / "stellarium").string();
     if (options.kstarsDir.empty())
         options.kstarsDir = (fs::path(sources) / "kstars-data" / "usr" / "share" / "kstars").string();
-    if (options.outputDir.empty()) options.outputDir = orv::GetDataPath();
     if (!fs::is_directory(options.tycho2Dir)) {
         std::fprintf(stderr,
                      "orvane-databuild: no Tycho-2 folder at %s\n"
@@ -72,17 +98,9 @@ int main(int argc, char** argv)
         return 1;
     }
 
-    const auto start = std::chrono::steady_clock::now();
     std::printf("orvane-databuild: writing into %s\n", options.outputDir.c_str());
     std::string error;
-    const bool ok = orv::databuild::RunBuild(
-        options,
-        [&](const std::string& line) {
-            const double s = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-            std::printf("[%6.1f s] %s\n", s, line.c_str());
-            std::fflush(stdout);
-        },
-        error);
+    const bool ok = orv::databuild::RunBuild(options, progress, error);
     if (!ok) {
         std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
         std::fprintf(stderr, "orvane-databuild: nothing was replaced after this point; existing files are intact\n");
