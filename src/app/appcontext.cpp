@@ -6,6 +6,7 @@
 #include "app/qtsettingsstore.h"
 #include "catalog/stars/drawstars.h"
 #include "satellite/passdraw.h"
+#include "solarsystem/drawplanets.h"
 #include "util/settingsstore.h"
 
 namespace orv {
@@ -21,6 +22,7 @@ CAppContext::CAppContext(CSettingsStore& settings, QObject* parent)
     // the satellite passes plotted from the pass sheet.
     RegisterMapLayers(m_components.layers);
     RegisterStarCatalogue(m_components, m_stars);
+    RegisterPlanets(m_components);
     sat::RegisterPlottedPassLayer(m_components.layers);
     m_levels.Load(settings);
     const int scheme = settings.GetInt(kSettings, "ColourScheme", 0);

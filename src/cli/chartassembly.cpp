@@ -4,6 +4,7 @@
 
 #include "catalog/stars/drawstars.h"
 #include "satellite/passdraw.h"
+#include "solarsystem/drawplanets.h"
 
 namespace orv::cli {
 
@@ -13,6 +14,7 @@ const CChartComponents& ChartComponents()
         CChartComponents c;
         RegisterMapLayers(c.layers);
         RegisterStarCatalogue(c, std::make_shared<CStarCatalogueHandle>());
+        RegisterPlanets(c);
         sat::RegisterPlottedPassLayer(c.layers);
         return c;
     }();

@@ -45,6 +45,9 @@ struct ChartPalette {
     QColor labelBackground;     // behind grid labels
     QColor satellitePath;       // plotted satellite passes: path, ticks, arrowhead
     QColor satelliteText;       // their names and clock times
+    QColor planetLit;           // the Sun's, the Moon's and the planets' discs and symbols, lit side
+    QColor planetDark;          // the unlit part of a phase disc
+    QColor planetLabel;         // their names
 
     // A star colour brought to the scheme (red: luminance as red).
     QColor StarColour(const QColor& c) const;

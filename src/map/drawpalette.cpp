@@ -47,6 +47,9 @@ ChartPalette NormalPalette()
     p.labelBackground = p.background;
     p.satellitePath = QColor(255, 200, 70);
     p.satelliteText = QColor(255, 228, 150);
+    p.planetLit = QColor(255, 236, 180);
+    p.planetDark = QColor(60, 60, 72);
+    p.planetLabel = QColor(255, 214, 120);
     return p;
 }
 
@@ -75,6 +78,9 @@ ChartPalette BlackOnWhitePalette()
     p.labelBackground = p.background;
     p.satellitePath = QColor(0, 0, 0);
     p.satelliteText = QColor(0, 0, 0);
+    p.planetLit = QColor(0, 0, 0);
+    p.planetDark = QColor(200, 200, 200);
+    p.planetLabel = QColor(0, 0, 0);
     return p;
 }
 
@@ -102,6 +108,9 @@ ChartPalette RedPalette()
     p.labelBackground = p.background;
     p.satellitePath = QColor(220, 0, 0);
     p.satelliteText = QColor(190, 0, 0);
+    p.planetLit = QColor(255, 0, 0);
+    p.planetDark = QColor(60, 0, 0);
+    p.planetLabel = QColor(200, 0, 0);
     return p;
 }
 
@@ -138,7 +147,8 @@ ChartPalette MakePalette(ColourScheme scheme, SurfaceKind kind, bool monochrome)
         for (QColor* c : {&p.background, &p.ground, &p.horizonLine, &p.grid[0], &p.grid[1], &p.grid[2], &p.grid[3],
                           &p.gridFaint[0], &p.gridFaint[1], &p.gridFaint[2], &p.gridFaint[3], &p.gridLabel,
                           &p.starPlain, &p.starHalo, &p.starLabel, &p.greekLabel, &p.starMark, &p.pmLine,
-                          &p.scaleLine, &p.compass, &p.labelBackground, &p.satellitePath, &p.satelliteText})
+                          &p.scaleLine, &p.compass, &p.labelBackground, &p.satellitePath, &p.satelliteText,
+                          &p.planetLit, &p.planetDark, &p.planetLabel})
             grey(*c);
     }
     if (p.redOnly) {

@@ -24,8 +24,6 @@ constexpr double kSunSchwarzschildAU = 1.974e-8;
 constexpr double kEarthRadiusKm = 6378.137;
 constexpr double kEarthFlattening = 1.0 / 298.257223563;
 
-constexpr std::string_view kBodyNames[kBodyCount] = {"Moon",    "Mercury", "Venus",  "Sun",     "Mars",
-                                                     "Jupiter", "Saturn",  "Uranus", "Neptune", "Pluto"};
 constexpr double kBodyRadiusKm[kBodyCount] = {1737.4,  2439.7,  6051.8,  695700.0, 3396.19,
                                               71492.0, 60268.0, 25559.0, 24764.0,  1188.3};
 
@@ -95,15 +93,10 @@ std::int16_t Centi(double magnitude)
 
 }  // namespace
 
-std::string_view BodyName(int body)
-{
-    return body >= 0 && body < kBodyCount ? kBodyNames[body] : std::string_view{};
-}
-
 std::optional<int> BodyFromName(std::string_view name)
 {
     for (int body = 0; body < kBodyCount; ++body) {
-        const std::string_view n = kBodyNames[body];
+        const std::string_view n = BodyName(body);
         if (n.size() == name.size() && std::equal(n.begin(), n.end(), name.begin(), [](char a, char b) {
                 return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
             }))

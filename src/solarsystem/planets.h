@@ -19,6 +19,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/strings.h"
 #include "solarsystem/moonseries.h"
 #include "solarsystem/vsop87.h"
 
@@ -38,10 +39,8 @@ inline constexpr int kBodySaturn = 6;
 inline constexpr int kBodyUranus = 7;
 inline constexpr int kBodyNeptune = 8;
 inline constexpr int kBodyPluto = 9;
-inline constexpr int kBodyCount = 10;
 
-// "Moon", "Mercury", … "Pluto"; empty outside 0–9.
-std::string_view BodyName(int body);
+// The names are the string table's (BodyName in app/strings.h).
 // The body of a name in any letter case ("moon", "SATURN"); nothing otherwise.
 std::optional<int> BodyFromName(std::string_view name);
 // Equatorial radius in km (IAU WGCCRE 2015, Archinal et al. 2018; the Sun

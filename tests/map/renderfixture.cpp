@@ -11,6 +11,7 @@
 #include "catalog/stars/drawstars.h"
 #include "catalogbuild.h"
 #include "satellite/passdraw.h"
+#include "solarsystem/drawplanets.h"
 #include "support/compare.h"
 #include "util/angles.h"
 
@@ -128,6 +129,7 @@ CTestChartComponents::CTestChartComponents() : stars(std::make_shared<CStarCatal
 {
     RegisterMapLayers(components.layers);
     RegisterStarCatalogue(components, stars);
+    RegisterPlanets(components);
     sat::RegisterPlottedPassLayer(components.layers);
 }
 

@@ -217,7 +217,10 @@ TEST(ChartLayers, StarsAreFoundByEveryDesignation)
     const FindResult none = objects.Resolve("Nowhere", at);
     EXPECT_EQ(none.status, FindStatus::NotFound);
     EXPECT_NE(none.message.find("Tycho-2 stars (proper names, Bayer and Flamsteed designations"), std::string::npos);
-    EXPECT_EQ(objects.CompletionNames(), std::vector<std::string>{"Centrum"});
+    // The star's name among those of the Sun, the Moon and the planets.
+    EXPECT_EQ(objects.CompletionNames(),
+              (std::vector<std::string>{"Centrum", "Jupiter", "Mars", "Mercury", "Moon", "Neptune", "Pluto", "Saturn",
+                                        "Sun", "Uranus", "Venus"}));
 }
 
 // The ecliptic grid layer, the model of a layer: on a chart centred on the
