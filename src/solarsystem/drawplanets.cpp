@@ -54,6 +54,8 @@ void DrawPlanets(DrawContext& ctx, const CPlanets& planets, SkySourceId source)
     p.setRenderHint(QPainter::Antialiasing, true);
     const PlanetRecord& sun = planets.Record(kBodySun);
     const double W = ctx.Width(), H = ctx.Height();
+    const bool solidGround = ctx.view.altAzGrid.solidHorizon != 0;
+    const CGroundTest ground(ctx.frame);
     // The Sun first, the Moon last: nearer bodies cover farther ones.
     static constexpr int kOrder[] = {kBodySun, kBodyPluto, kBodyNeptune, kBodyUranus, kBodySaturn,
                                      kBodyJupiter, kBodyMars, kBodyVenus, kBodyMercury, kBodyMoon};
@@ -72,6 +74,7 @@ void DrawPlanets(DrawContext& ctx, const CPlanets& planets, SkySourceId source)
         const double symbolPx = ctx.Px(SymbolRadiusInches(r.magnitudeCenti * 0.01));
         const double radius = std::max(discPx, symbolPx);
         if (s.x < -radius || s.y < -radius || s.x > W + radius || s.y > H + radius) continue;
+        if (solidGround && ground.BelowHorizon(s.x, s.y)) continue;
 
         p.setPen(Qt::NoPen);
         const bool phased = discPx >= 3.0 && body != kBodySun && r.illuminatedFraction < 0.995;

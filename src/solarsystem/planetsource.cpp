@@ -15,14 +15,15 @@ constexpr double kRadToArcsec = 206264.80624709636;
 
 ObjectType BodyType(int) { return ObjectType::Planet; }
 
-// Fills the body's record at jdTT; false when the body has no position source.
+// Fills the body's record at jdTT, topocentric for the observer's site as
+// the chart shows it; false when the body has no position source.
 bool ComputeBody(CPlanets& planets, const CObserverDoc& observer, int body, double jdTT, double& ra, double& dec)
 {
     if (body == kBodyMoon) {
         double km = 0.0;
-        return planets.MoonPosition(observer, jdTT, ra, dec, km, PlaceCentre::Geocentric) == PositionStatus::Ok;
+        return planets.MoonPosition(observer, jdTT, ra, dec, km, PlaceCentre::Topocentric) == PositionStatus::Ok;
     }
-    return planets.ApparentPosition(observer, body, jdTT, ra, dec, PlaceCentre::Geocentric) == PositionStatus::Ok;
+    return planets.ApparentPosition(observer, body, jdTT, ra, dec, PlaceCentre::Topocentric) == PositionStatus::Ok;
 }
 
 }  // namespace
@@ -109,8 +110,11 @@ std::optional<ObjectDescription> CPlanetObjectSource::Describe(std::uint32_t key
     CObserverDoc observer;
     observer.SetJulianDate(request.jdUT);
     CPlanets planets;
-    double ra = 0.0, dec = 0.0;
-    if (!ComputeBody(planets, observer, body, request.jdTT, ra, dec)) return std::nullopt;
+    double ra = 0.0, dec = 0.0, km = 0.0;
+    const PositionStatus status =
+        body == kBodyMoon ? planets.MoonPosition(observer, request.jdTT, ra, dec, km, PlaceCentre::Geocentric)
+                          : planets.ApparentPosition(observer, body, request.jdTT, ra, dec, PlaceCentre::Geocentric);
+    if (status != PositionStatus::Ok) return std::nullopt;
     ObjectDescription d;
     d.type = BodyType(body);
     d.designation = std::string(BodyName(body));

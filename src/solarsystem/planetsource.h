@@ -19,10 +19,12 @@ public:
     std::string_view Forms() const override { return "Sun, Moon, Mercury, Venus, Mars, Jupiter, Saturn, Uranus, Neptune, Pluto"; }
     // The planets need the VSOP87 files; the Moon is built in.
     bool Available() const override { return true; }
-    // The place given is the body's apparent geocentric place of date at the
-    // observer's instant referred back to the J2000 equator and equinox (a
-    // chart centred there has the body at its centre).
+    // The place given is the body's apparent topocentric place of date for
+    // the observer's site and instant, referred back to the J2000 equator
+    // and equinox: a chart of that site centred there has the body at its
+    // centre (the Moon's parallax reaches a degree).
     std::vector<SkyObjectMatch> Resolve(std::string_view text, const CObserverDoc& observer) const override;
+    // The read-out is geocentric: the request carries the instant, not the site.
     std::optional<ObjectDescription> Describe(std::uint32_t key, const DescribeRequest& request) const override;
     void CompletionNames(std::vector<std::string>& out) const override;
 };
