@@ -153,6 +153,39 @@ TEST(PlanetNames, ResolveInAnyCase)
     EXPECT_FALSE(BodyFromName("").has_value());
 }
 
+// The test cases distributed with Mallama & Hilton's program Ap_Mag (the
+// reference implementation of their 2018 paper): Sun and Earth distances in
+// AU, phase angle in degrees, the magnitude to 0.001. They exercise each
+// branch: Venus beyond 163.7° of phase, Jupiter beyond 12°, Uranus with the
+// latitude of its pole's aspect (sub-Earth and sub-Sun latitudes −20.29° and
+// −20.28°, then +1.02° and +0.97°).
+TEST(PlanetMagnitudes, MallamaHiltonApMagTestCases)
+{
+    struct Case {
+        int body;
+        double r, delta, phase, expected, subLatitude;
+    };
+    const Case cases[] = {
+        {kBodyMercury, 0.310295423552, 1.32182643625754, 1.1677, -2.477, 0},
+        {kBodyMercury, 0.413629222334, 0.92644808718613, 90.1662, 0.181, 0},
+        {kBodyMercury, 0.448947624811, 0.56004973217883, 178.7284, 7.167, 0},
+        {kBodyVenus, 0.722722540169, 1.71607489554051, 1.3232, -3.917, 0},
+        {kBodyVenus, 0.721480714554, 0.37762511206278, 124.1348, -4.916, 0},
+        {kBodyVenus, 0.726166592736, 0.28889582420642, 179.1845, -3.090, 0},
+        {kBodyJupiter, 5.446231815414, 6.44985867459088, 0.2446, -1.667, 0},
+        {kBodyJupiter, 4.957681473205, 3.95393078136013, 0.3431, -2.934, 0},
+        {kBodyJupiter, 5.227587855371, 5.23501920009381, 147.0989, 0.790, 0},
+        {kBodyUranus, 18.321003215845, 17.3229728525108, 0.0410, 5.381, 0.5 * (20.29 + 20.28)},
+        {kBodyUranus, 20.096361095266, 21.0888470145276, 0.0568, 6.025, 0.5 * (1.02 + 0.97)},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE("body " + std::to_string(c.body) + " phase " + std::to_string(c.phase));
+        EXPECT_NEAR_UNIT(c.expected,
+                         PlanetMagnitudeMallamaHilton(c.body, c.phase, c.r, c.delta, 0.0, c.subLatitude), 0.0006,
+                         kSame);
+    }
+}
+
 TEST(PlanetMagnitudes, SaturnBrightensAsItsRingsOpen)
 {
     // Mallama & Hilton (2018): the rings at 26.7° tilt add about 1 mag over
