@@ -48,6 +48,16 @@ protected:
             GTEST_SKIP() << "no VSOP87 files in the data folder (" << GetDataPath()
                          << "): run tools/build-data.sh (data step 30-planets) first";
     }
+    // The apparent geocentric place of `body` at jdTT against a worked
+    // example, to 0.1″.
+    void ExpectPlace(int body, double jdTT, double raRad, double decRad)
+    {
+        double ra = 0.0, dec = 0.0;
+        ASSERT_EQ(m_planets.ApparentPosition(m_observer, body, jdTT, ra, dec, PlaceCentre::Geocentric),
+                  PositionStatus::Ok);
+        EXPECT_ANGLE_NEAR(raRad, ra, 0.1 * kArcsec, kArcsecFromRad);
+        EXPECT_NEAR_UNIT(decRad, dec, 0.1 * kArcsec, kArcsecFromRad);
+    }
     CObserverDoc m_observer;
     CPlanets m_planets;
 };
@@ -56,12 +66,7 @@ protected:
 
 TEST_F(PlanetPlaces, SunOfMeeusExample25b)
 {
-    const double jdTT = 2448908.5;  // 1992 October 13.0 TD
-    double ra = 0.0, dec = 0.0;
-    ASSERT_EQ(m_planets.ApparentPosition(m_observer, kBodySun, jdTT, ra, dec, PlaceCentre::Geocentric),
-              PositionStatus::Ok);
-    EXPECT_ANGLE_NEAR(Hms(13, 13, 30.749), ra, 0.1 * kArcsec, kArcsecFromRad);
-    EXPECT_NEAR_UNIT(Dms(-1, 7, 47, 1.74), dec, 0.1 * kArcsec, kArcsecFromRad);
+    ExpectPlace(kBodySun, 2448908.5, Hms(13, 13, 30.749), Dms(-1, 7, 47, 1.74));  // 1992 October 13.0 TD
     // Meeus's appendix truncation of VSOP87 is good to about 1e-6 AU in R
     // (the full series gives 0.99760852 AU).
     EXPECT_NEAR_UNIT(0.99760775, m_planets.Record(kBodySun).earthDistance, 1.5e-6, kSame);
@@ -69,12 +74,7 @@ TEST_F(PlanetPlaces, SunOfMeeusExample25b)
 
 TEST_F(PlanetPlaces, VenusOfMeeusExample33a)
 {
-    const double jdTT = 2448976.5;  // 1992 December 20.0 TD
-    double ra = 0.0, dec = 0.0;
-    ASSERT_EQ(m_planets.ApparentPosition(m_observer, kBodyVenus, jdTT, ra, dec, PlaceCentre::Geocentric),
-              PositionStatus::Ok);
-    EXPECT_ANGLE_NEAR(Hms(21, 4, 41.454), ra, 0.1 * kArcsec, kArcsecFromRad);
-    EXPECT_NEAR_UNIT(Dms(-1, 18, 53, 16.84), dec, 0.1 * kArcsec, kArcsecFromRad);
+    ExpectPlace(kBodyVenus, 2448976.5, Hms(21, 4, 41.454), Dms(-1, 18, 53, 16.84));  // 1992 December 20.0 TD
     const PlanetRecord& venus = m_planets.Record(kBodyVenus);
     EXPECT_NEAR_UNIT(0.910947, venus.earthDistance, 1e-6, kSame);
     // Light time 0.0052612 d, printed to 0.01 s.

@@ -94,9 +94,7 @@ std::vector<OutputFile> BuildStarFiles(Catalogue& catalogue, const HipData& hip,
     return WriteAll(catalogue, std::move(tables));
 }
 
-namespace {
-
-bool Store(const std::string& outputDir, const OutputFile& file, const Progress& progress, std::string& error)
+bool StoreOutputFile(const std::string& outputDir, const OutputFile& file, const Progress& progress, std::string& error)
 {
     const fs::path path = fs::path(outputDir) / file.path;
     std::error_code ec;
@@ -109,7 +107,6 @@ bool Store(const std::string& outputDir, const OutputFile& file, const Progress&
     return true;
 }
 
-}  // namespace
 
 bool RunBuild(const BuildOptions& options, const Progress& progress, std::string& error)
 {
@@ -143,7 +140,7 @@ bool RunBuild(const BuildOptions& options, const Progress& progress, std::string
 
     // Writers.
     for (const OutputFile& file : WriteAll(catalogue, std::move(tables)))
-        if (!Store(options.outputDir, file, progress, error)) return false;
+        if (!StoreOutputFile(options.outputDir, file, progress, error)) return false;
     return true;
 }
 

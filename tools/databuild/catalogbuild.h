@@ -42,6 +42,11 @@ struct BuildOptions {
     std::string kstarsDir;     // the folder holding kstars-data's stars.dat (usr/share/kstars)
 };
 
+// Writes one file below `outputDir` atomically (its folders created) and
+// reports it; false with a message in `error`, the old file left intact.
+bool StoreOutputFile(const std::string& outputDir, const OutputFile& file, const Progress& progress,
+                     std::string& error);
+
 // Reads every source, joins them and writes every file (each atomically).
 // Progress and report lines go to `progress`. False with a message in
 // `error`; a source that cannot be read stops the build before any file is

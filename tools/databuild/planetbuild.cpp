@@ -5,9 +5,8 @@
 #include <filesystem>
 #include <vector>
 
-#include "common/textfields.h"
 #include "sources/astronomiareader.h"
-#include "util/atomicfile.h"
+#include "catalogbuild.h"
 #include "writers/moonblock.h"
 #include "writers/vsop87files.h"
 
@@ -51,16 +50,10 @@ bool RunPlanetBuild(const PlanetBuildOptions& options, const Progress& progress,
                       report.maxDistanceErrorKm);
         progress(line);
     }
-    for (const OutputFile& file : files) {
-        const fs::path path = file.path;
-        std::error_code ec;
-        fs::create_directories(path.parent_path(), ec);
-        if (ec) return Fail(error, "cannot create folder " + path.parent_path().string() + ": " + ec.message());
-        CAtomicFileWriter w;
-        if (!w.Open(path.string()) || !w.Write(file.bytes) || !w.Commit())
-            return Fail(error, "cannot write " + path.string() + ": " + w.Error());
-        progress("wrote " + path.string() + " (" + std::to_string(file.bytes.size()) + " bytes)");
-    }
+    // The VSOP87 files carry their full paths by now (the lunar block goes
+    // into the source tree, not the data folder).
+    for (const OutputFile& file : files)
+        if (!StoreOutputFile("", file, progress, error)) return false;
     return true;
 }
 
