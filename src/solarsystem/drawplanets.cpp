@@ -44,11 +44,20 @@ QPainterPath PhaseShape(double r, double k)
     return path;
 }
 
-void DrawPlanets(DrawContext& ctx, const CPlanets& planets, SkySourceId source)
+PlanetChartPlaces ChartPlacesOf(const CObserverDoc& observer, const CPlanets& planets)
+{
+    PlanetChartPlaces places;
+    const double jdTT = observer.JulianDateTDT();
+    for (int body = 0; body < kBodyCount; ++body) {
+        const PlanetRecord& r = planets.Record(body);
+        if (r.valid) DateToJ2000(observer, jdTT, r.raRad, r.decRad, places.raJ2000Rad[body], places.decJ2000Rad[body]);
+    }
+    return places;
+}
+
+void DrawPlanets(DrawContext& ctx, const CPlanets& planets, const PlanetChartPlaces& places, SkySourceId source)
 {
     const CBodyDisplay& display = ctx.view.planets;
-    const CObserverDoc& observer = ctx.doc.observer;
-    const double jdTT = observer.JulianDateTDT();
     QPainter& p = ctx.painter;
     p.save();
     p.setRenderHint(QPainter::Antialiasing, true);
@@ -108,7 +117,8 @@ void DrawPlanets(DrawContext& ctx, const CPlanets& planets, SkySourceId source)
         ctx.labels.Occupy({s.x - radius, s.y - radius, s.x + radius, s.y + radius});
 
         SceneObject o;
-        DateToJ2000(observer, jdTT, r.raRad, r.decRad, o.raJ2000Rad, o.decJ2000Rad);
+        o.raJ2000Rad = places.raJ2000Rad[body];
+        o.decJ2000Rad = places.decJ2000Rad[body];
         o.xPx = static_cast<float>(s.x);
         o.yPx = static_cast<float>(s.y);
         o.radiusPx = static_cast<float>(radius);
@@ -150,9 +160,10 @@ void CPlanetLayer::Draw(DrawContext& ctx, LayerSlot)
     const ComputedFor now{o.JulianDate(), o.LatitudeRad(), o.LongitudeRad(), o.HeightM()};
     if (m_computedFor != now) {
         m_planets.ComputeAll(o, PlaceCentre::Topocentric);
+        m_places = ChartPlacesOf(o, m_planets);
         m_computedFor = now;
     }
-    DrawPlanets(ctx, m_planets, m_source);
+    DrawPlanets(ctx, m_planets, m_places, m_source);
 }
 
 void RegisterPlanets(CChartComponents& components)

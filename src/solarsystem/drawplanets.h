@@ -19,22 +19,32 @@ namespace orv {
 // axis at x = r·(1 − 2k), for the illuminated fraction k.
 QPainterPath PhaseShape(double radiusPx, double illuminatedFraction);
 
+// The places a chart records for its bodies: each apparent place referred
+// back to J2000 (DateToJ2000), radians, by body.
+struct PlanetChartPlaces {
+    double raJ2000Rad[kBodyCount] = {};
+    double decJ2000Rad[kBodyCount] = {};
+};
+PlanetChartPlaces ChartPlacesOf(const CObserverDoc& observer, const CPlanets& planets);
+
 // Draws the bodies of `planets` (already computed for the chart's instant)
-// and records each drawn in the scene under `source`.
-void DrawPlanets(DrawContext& ctx, const CPlanets& planets, SkySourceId source);
+// and records each drawn in the scene under `source` at its `places`.
+void DrawPlanets(DrawContext& ctx, const CPlanets& planets, const PlanetChartPlaces& places, SkySourceId source);
 
 class CPlanetLayer final : public IChartLayer {
 public:
     explicit CPlanetLayer(SkySourceId source) : m_source(source) {}
     std::span<const LayerSlot> Slots() const override { return kSlots; }
     bool ShownAt(const CMapView& view, int) const override { return view.planets.shown; }
+    // What is kept depends on the instant and the site alone, which it is
+    // keyed on; a change of catalogue or settings leaves it valid.
     void Draw(DrawContext& ctx, LayerSlot slot) override;
-    void Invalidate() override { m_computedFor.reset(); }
 
 private:
     static constexpr LayerSlot kSlots[] = {LayerSlot::Planets};
     SkySourceId m_source;
     CPlanets m_planets;
+    PlanetChartPlaces m_places;
     // The instant and site the bodies were last computed for: a redraw that
     // only scrolls or zooms reuses them (ten apparent places cost about a
     // millisecond and a half through VSOP87).
