@@ -25,6 +25,7 @@
 #include "solarsystem/planets.h"
 #include "support/compare.h"
 #include "util/datapath.h"
+#include "util/settingsstore.h"
 
 using namespace orv;
 using orv::test::kArcsecFromRad;
@@ -194,4 +195,36 @@ TEST(PlanetMagnitudes, SaturnBrightensAsItsRingsOpen)
     const double open = PlanetMagnitudeMallamaHilton(kBodySaturn, 0.1, 9.03, 8.06, 26.7);
     EXPECT_NEAR_UNIT(-1.0, open - edgeOn, 0.1, kSame);
     EXPECT_TRUE(std::isnan(PlanetMagnitudeMallamaHilton(kBodyMars, std::nan(""), 1.5, 0.5)));
+}
+
+// Section "Planet": the Great Red Spot longitude, "GRSLong", stored as text
+// written with "%f" and read back as a number; "80" when absent.
+TEST(PlanetSettings, GreatRedSpotLongitudeRoundTrips)
+{
+    CMemorySettingsStore store;
+    CPlanets planets;
+    planets.LoadSettings(store);
+    EXPECT_DOUBLE_EQ(planets.GreatRedSpotLongitudeDeg(), 80.0);
+    planets.SetGreatRedSpotLongitudeDeg(-17.5);  // longitudes are kept in [0, 360)
+    planets.SaveSettings(store);
+    EXPECT_EQ(store.ReadString("Planet", "GRSLong"), "342.500000");
+    CPlanets again;
+    again.LoadSettings(store);
+    EXPECT_DOUBLE_EQ(again.GreatRedSpotLongitudeDeg(), 342.5);
+}
+
+// The identify texts of the program's own format: the Sun's distance, a
+// planet's magnitude, phase (Mercury, Venus, Mars only) and distances.
+TEST_F(PlanetPlaces, InfoTextsCarryTheRecordsFigures)
+{
+    double ra = 0.0, dec = 0.0;
+    ASSERT_EQ(m_planets.ApparentPosition(m_observer, kBodyVenus, 2448976.5, ra, dec, PlaceCentre::Geocentric),
+              PositionStatus::Ok);
+    EXPECT_EQ(m_planets.PlanetInfoText(kBodyVenus), "Venus\nMag: -4.2\nPhase: 64.7%\nD: 0.9109 AU\nR: 0.7246 AU");
+    ASSERT_EQ(m_planets.ApparentPosition(m_observer, kBodyJupiter, 2448976.5, ra, dec, PlaceCentre::Geocentric),
+              PositionStatus::Ok);
+    EXPECT_EQ(m_planets.PlanetInfoText(kBodyJupiter).find("Phase"), std::string::npos);
+    ASSERT_EQ(m_planets.ApparentPosition(m_observer, kBodySun, 2448908.5, ra, dec, PlaceCentre::Geocentric),
+              PositionStatus::Ok);
+    EXPECT_EQ(m_planets.PlanetInfoText(kBodySun), "Sun\nD: 0.9976 AU");
 }
