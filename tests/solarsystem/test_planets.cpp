@@ -23,6 +23,7 @@
 
 #include "observer/observer.h"
 #include "solarsystem/planets.h"
+#include "solarsystem/planetsource.h"
 #include "support/compare.h"
 #include "util/datapath.h"
 #include "util/settingsstore.h"
@@ -260,4 +261,25 @@ TEST_F(PlanetPlaces, InfoTextsCarryTheRecordsFigures)
     ASSERT_EQ(m_planets.ApparentPosition(m_observer, kBodySun, 2448908.5, ra, dec, PlaceCentre::Geocentric),
               PositionStatus::Ok);
     EXPECT_EQ(m_planets.PlanetInfoText(kBodySun), "Sun\nD: 0.9976 AU");
+}
+
+// The chart's J2000 place of a body is its apparent place of date taken back
+// through the nutation and precession: the observer's forward rotations
+// must return the apparent place to within rounding (1e-6″).
+TEST(PlanetChartPlaces, DateToJ2000InvertsTheObserversRotations)
+{
+    CObserverDoc observer;
+    for (double jd : {2415020.5, 2451545.0, 2488069.5}) {
+        for (int k = 0; k < 12; ++k) {
+            const double ra = k * 0.5236 + 0.1, dec = (k - 6) * 0.25;
+            double raJ2000 = 0.0, decJ2000 = 0.0;
+            DateToJ2000(observer, jd, ra, dec, raJ2000, decJ2000);
+            double v[3] = {std::cos(decJ2000) * std::cos(raJ2000), std::cos(decJ2000) * std::sin(raJ2000),
+                           std::sin(decJ2000)};
+            observer.PrecessXYZ(v, jd, -1);
+            observer.NutateXYZ(v, jd);
+            EXPECT_ANGLE_NEAR(ra, std::atan2(v[1], v[0]), 1e-6 * kArcsec, kArcsecFromRad);
+            EXPECT_NEAR_UNIT(dec, std::asin(v[2]), 1e-6 * kArcsec, kArcsecFromRad);
+        }
+    }
 }
