@@ -19,6 +19,7 @@
 #include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
 #include "catalog/stars/tycho2catalogue.h"
+#include "solarsystem/drawplanets.h"
 #include "map/mapdraw.h"
 #include "map/mapview.h"
 #include "util/angles.h"
@@ -66,6 +67,7 @@ struct Components {
         RegisterStarCatalogue(chart, stars);
         RegisterConstellations(chart, stars);
         RegisterDeepSkyCatalogues(chart, deepSky);
+        RegisterPlanets(chart);
     }
 };
 

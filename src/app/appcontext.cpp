@@ -8,6 +8,7 @@
 #include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
 #include "satellite/passdraw.h"
+#include "solarsystem/drawplanets.h"
 #include "util/settingsstore.h"
 
 namespace orv {
@@ -25,6 +26,7 @@ CAppContext::CAppContext(CSettingsStore& settings, QObject* parent)
     RegisterStarCatalogue(m_components, m_stars);
     RegisterConstellations(m_components, m_stars);
     RegisterDeepSkyCatalogues(m_components, std::make_shared<CDeepSkyCatalogueHandle>());
+    RegisterPlanets(m_components);
     sat::RegisterPlottedPassLayer(m_components.layers);
     m_levels.Load(settings);
     const int scheme = settings.GetInt(kSettings, "ColourScheme", 0);

@@ -6,6 +6,7 @@
 #include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
 #include "satellite/passdraw.h"
+#include "solarsystem/drawplanets.h"
 
 namespace orv::cli {
 
@@ -18,6 +19,7 @@ const CChartComponents& ChartComponents()
         RegisterStarCatalogue(c, stars);
         RegisterConstellations(c, stars);
         RegisterDeepSkyCatalogues(c, std::make_shared<CDeepSkyCatalogueHandle>());
+        RegisterPlanets(c);
         sat::RegisterPlottedPassLayer(c.layers);
         return c;
     }();

@@ -53,6 +53,9 @@ struct ChartPalette {
     QColor deepSkyNebula;       // bright and planetary nebulae, remnants
     QColor deepSkyDark;         // dark nebulae
     QColor deepSkyLabel;        // deep-sky designations and names
+    QColor planetLit;           // the Sun's, the Moon's and the planets' discs and symbols, lit side
+    QColor planetDark;          // the unlit part of a phase disc
+    QColor planetLabel;         // their names
 
     // A star colour brought to the scheme (red: luminance as red).
     QColor StarColour(const QColor& c) const;

@@ -55,6 +55,9 @@ ChartPalette NormalPalette()
     p.deepSkyNebula = QColor(120, 210, 140);
     p.deepSkyDark = QColor(120, 120, 140);
     p.deepSkyLabel = QColor(190, 190, 170);
+    p.planetLit = QColor(255, 236, 180);
+    p.planetDark = QColor(60, 60, 72);
+    p.planetLabel = QColor(255, 214, 120);
     return p;
 }
 
@@ -91,6 +94,9 @@ ChartPalette BlackOnWhitePalette()
     p.deepSkyNebula = QColor(0, 0, 0);
     p.deepSkyDark = QColor(110, 110, 110);
     p.deepSkyLabel = QColor(0, 0, 0);
+    p.planetLit = QColor(0, 0, 0);
+    p.planetDark = QColor(200, 200, 200);
+    p.planetLabel = QColor(0, 0, 0);
     return p;
 }
 
@@ -126,6 +132,9 @@ ChartPalette RedPalette()
     p.deepSkyNebula = QColor(170, 0, 0);
     p.deepSkyDark = QColor(100, 0, 0);
     p.deepSkyLabel = QColor(180, 0, 0);
+    p.planetLit = QColor(255, 0, 0);
+    p.planetDark = QColor(60, 0, 0);
+    p.planetLabel = QColor(200, 0, 0);
     return p;
 }
 
@@ -164,7 +173,8 @@ ChartPalette MakePalette(ColourScheme scheme, SurfaceKind kind, bool monochrome)
                           &p.starPlain, &p.starHalo, &p.starLabel, &p.greekLabel, &p.starMark, &p.pmLine,
                           &p.scaleLine, &p.compass, &p.labelBackground, &p.satellitePath, &p.satelliteText,
                           &p.conFigure, &p.conBoundary, &p.conName, &p.deepSkyGalaxy, &p.deepSkyCluster,
-                          &p.deepSkyNebula, &p.deepSkyDark, &p.deepSkyLabel})
+                          &p.deepSkyNebula, &p.deepSkyDark, &p.deepSkyLabel, &p.planetLit, &p.planetDark,
+                          &p.planetLabel})
             grey(*c);
     }
     if (p.redOnly) {

@@ -13,6 +13,7 @@
 #include "catalog/stars/drawstars.h"
 #include "catalogbuild.h"
 #include "satellite/passdraw.h"
+#include "solarsystem/drawplanets.h"
 #include "support/compare.h"
 #include "util/angles.h"
 
@@ -134,6 +135,7 @@ CTestChartComponents::CTestChartComponents() : stars(std::make_shared<CStarCatal
     RegisterStarCatalogue(components, stars);
     RegisterConstellations(components, stars);
     RegisterDeepSkyCatalogues(components, std::make_shared<CDeepSkyCatalogueHandle>());
+    RegisterPlanets(components);
     sat::RegisterPlottedPassLayer(components.layers);
 }
 

@@ -48,7 +48,8 @@ struct BuildOptions {
 // replaced.
 bool RunBuild(const BuildOptions& options, const Progress& progress, std::string& error);
 
-// Writes one file below `outputDir` atomically (its folders created first).
+// Writes one file below `outputDir` atomically (its folders created first)
+// and reports it; false with a message in `error`, the old file left intact.
 bool Store(const std::string& outputDir, const OutputFile& file, const Progress& progress, std::string& error);
 
 // The star catalogue's files from an assembled catalogue and the Hipparcos

@@ -9,6 +9,7 @@
 #include "catalogbuild.h"
 #include "constellationbuild.h"
 #include "deepskybuild.h"
+#include "planetbuild.h"
 #include "util/datapath.h"
 
 namespace {
@@ -19,6 +20,7 @@ void Usage(std::FILE* to)
         "usage: orvane-databuild [--sources DIR] [--tycho2 DIR] [--stellarium DIR] [--kstars DIR]\n"
         "                        [--out DATA_FOLDER] [--constellations]\n"
         "       orvane-databuild --deepsky [--sources DIR] [--stellarium DIR] [--out DATA_FOLDER]\n"
+        "       orvane-databuild --planets ASTRONOMIA_DIR [--moon-block FILE] [--out DATA_FOLDER]\n"
         "\n"
         "Builds the Tycho-2 star files (star/Tycho2/*, data/rgnbound.dat) into the data folder.\n"
         "  --sources DIR     the folder filled by tools/fetch-sources.sh (default: data-sources)\n"
@@ -32,7 +34,12 @@ void Usage(std::FILE* to)
         "                    data/conname.dat, data/constnam.dat, data/conbound.dat)\n"
         "  --deepsky         build the deep-sky catalogue files (deepsky/*) from stellarium-data\n"
         "                    instead of the star files, and the SAC database when its file\n"
-        "                    (SAC_DeepSky_Ver81_QCQ.TXT) lies in DIR/sac\n",
+        "                    (SAC_DeepSky_Ver81_QCQ.TXT) lies in DIR/sac\n"
+        "\n"
+        "With --planets, builds the VSOP87 series (Data/VSOP87.idx, Data/VSOP87.dat) instead,\n"
+        "from the unpacked npm package astronomia (the folder holding data/vsop87D*.js);\n"
+        "--moon-block FILE also writes the lunar series block from its ELP/MPP02 series\n"
+        "(the program's src/solarsystem/moondata.bin).\n",
         to);
 }
 
@@ -45,6 +52,8 @@ int main(int argc, char** argv)
     orv::databuild::BuildOptions options;
     bool constellations = false;
     bool deepSky = false;
+    std::string astronomiaDir;
+    std::string moonBlock;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         auto value = [&](std::string& into) {
@@ -61,6 +70,8 @@ int main(int argc, char** argv)
         else if (arg == "--out") value(options.outputDir);
         else if (arg == "--constellations") constellations = true;
         else if (arg == "--deepsky") deepSky = true;
+        else if (arg == "--planets") value(astronomiaDir);
+        else if (arg == "--moon-block") value(moonBlock);
         else if (arg == "--help" || arg == "-h") {
             Usage(stdout);
             return 0;
@@ -70,18 +81,27 @@ int main(int argc, char** argv)
             return 2;
         }
     }
+    if (options.outputDir.empty()) options.outputDir = orv::GetDataPath();
+    const auto start = std::chrono::steady_clock::now();
+    const auto progress = [&](const std::string& line) {
+        const double s = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        std::printf("[%6.1f s] %s\n", s, line.c_str());
+        std::fflush(stdout);
+    };
+    if (!astronomiaDir.empty()) {
+        std::string error;
+        if (!orv::databuild::RunPlanetBuild({astronomiaDir, options.outputDir, moonBlock}, progress, error)) {
+            std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
+            return 1;
+        }
+        std::printf("orvane-databuild: done\n");
+        return 0;
+    }
     if (options.tycho2Dir.empty()) options.tycho2Dir = (fs::path(sources) / "tycho2").string();
     if (options.stellariumDir.empty())
         options.stellariumDir = (fs::path(sources) / "stellarium-data" / "usr" / "share" / "stellarium").string();
     if (options.kstarsDir.empty())
         options.kstarsDir = (fs::path(sources) / "kstars-data" / "usr" / "share" / "kstars").string();
-    if (options.outputDir.empty()) options.outputDir = orv::GetDataPath();
-    const auto start = std::chrono::steady_clock::now();
-    auto progress = [&](const std::string& line) {
-        const double s = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-        std::printf("[%6.1f s] %s\n", s, line.c_str());
-        std::fflush(stdout);
-    };
     if (constellations) {
         std::string error;
         if (!orv::databuild::RunConstellationBuild(options.stellariumDir, options.kstarsDir, options.outputDir,

@@ -1,0 +1,487 @@
+#include "solarsystem/planets.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+#include <erfa.h>
+
+#include "observer/observer.h"
+#include "util/settingsstore.h"
+
+namespace orv {
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kTwoPi = 2.0 * kPi;
+constexpr double kDegToRad = kPi / 180.0;
+constexpr double kArcsecToRad = kPi / 648000.0;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+// 2GM☉/c² in AU: the Sun's gravitational delay and deflection scale.
+constexpr double kSunSchwarzschildAU = 1.974e-8;
+// Earth's equatorial radius and flattening (WGS84), for the site's place.
+constexpr double kEarthRadiusKm = 6378.137;
+constexpr double kEarthFlattening = 1.0 / 298.257223563;
+
+constexpr double kBodyRadiusKm[kBodyCount] = {1737.4,  2439.7,  6051.8,  695700.0, 3396.19,
+                                              71492.0, 60268.0, 25559.0, 24764.0,  1188.3};
+
+double Mod2Pi(double a)
+{
+    const double r = std::fmod(a, kTwoPi);
+    return r < 0.0 ? r + kTwoPi : r;
+}
+double Dot(const Vector3& a, const Vector3& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+double Length(const Vector3& a) { return std::sqrt(Dot(a, a)); }
+Vector3 Sub(const Vector3& a, const Vector3& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+Vector3 Scale(const Vector3& a, double s) { return {a.x * s, a.y * s, a.z * s}; }
+Vector3 Add(const Vector3& a, const Vector3& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+
+// Angle between two vectors, robust near 0 and π.
+double AngleBetween(const Vector3& a, const Vector3& b)
+{
+    const Vector3 c{a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+    return std::atan2(Length(c), Dot(a, b));
+}
+
+// The J2000 equatorial vector as ecliptic longitude and latitude of date
+// (mean ecliptic and equinox of date).
+void EclipticOfDate(const CObserverDoc& observer, const Vector3& j2000, double jdTT, double& lonRad, double& latRad)
+{
+    double v[3] = {j2000.x, j2000.y, j2000.z};
+    observer.PrecessXYZ(v, jdTT, -1);
+    const double eps = observer.MeanObliquity(jdTT);
+    const double y = v[1] * std::cos(eps) + v[2] * std::sin(eps);
+    const double z = v[2] * std::cos(eps) - v[1] * std::sin(eps);
+    lonRad = Mod2Pi(std::atan2(y, v[0]));
+    latRad = std::atan2(z, std::hypot(v[0], y));
+}
+
+// The site's geocentric position in the true equator of date, AU, at the
+// local apparent sidereal time (Meeus ch. 11 for ρ sin φ′ and ρ cos φ′).
+Vector3 SiteOfDate(const CObserverDoc& observer, double jdTT)
+{
+    const double phi = observer.LatitudeRad();
+    const double u = std::atan((1.0 - kEarthFlattening) * std::tan(phi));
+    const double h = observer.HeightM() / (kEarthRadiusKm * 1000.0);
+    const double rhoSin = (1.0 - kEarthFlattening) * std::sin(u) + h * std::sin(phi);
+    const double rhoCos = std::cos(u) + h * std::cos(phi);
+    const double theta = observer.LAST(jdTT) * 15.0 * kDegToRad;
+    const double scale = kEarthRadiusKm / kAstronomicalUnitKmIAU2012;
+    return {rhoCos * std::cos(theta) * scale, rhoCos * std::sin(theta) * scale, rhoSin * scale};
+}
+
+// Shifts a unit direction of date at `distanceAU` from the geocentre to the
+// observer's site (diurnal parallax) and returns right ascension and
+// declination.
+void ApplyParallax(const CObserverDoc& observer, double jdTT, double distanceAU, double& raRad, double& decRad)
+{
+    const Vector3 site = SiteOfDate(observer, jdTT);
+    const Vector3 geo{distanceAU * std::cos(decRad) * std::cos(raRad), distanceAU * std::cos(decRad) * std::sin(raRad),
+                      distanceAU * std::sin(decRad)};
+    const Vector3 topo = Sub(geo, site);
+    raRad = Mod2Pi(std::atan2(topo.y, topo.x));
+    decRad = std::atan2(topo.z, std::hypot(topo.x, topo.y));
+}
+
+std::int16_t Centi(double magnitude)
+{
+    if (!std::isfinite(magnitude)) return 9999;
+    return static_cast<std::int16_t>(std::clamp(std::lround(magnitude * 100.0), -32767L, 32767L));
+}
+
+}  // namespace
+
+std::optional<int> BodyFromName(std::string_view name)
+{
+    for (int body = 0; body < kBodyCount; ++body) {
+        const std::string_view n = BodyName(body);
+        if (n.size() == name.size() && std::equal(n.begin(), n.end(), name.begin(), [](char a, char b) {
+                return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+            }))
+            return body;
+    }
+    return std::nullopt;
+}
+
+double BodyRadiusKm(int body) { return body >= 0 && body < kBodyCount ? kBodyRadiusKm[body] : kNaN; }
+
+const CVsop87D& SharedVsop87D()
+{
+    static const CVsop87D series = [] {
+        CVsop87D s;
+        s.Open();
+        return s;
+    }();
+    return series;
+}
+
+CPlanets::CPlanets() : CPlanets(SharedVsop87D()) {}
+
+CPlanets::CPlanets(const CVsop87D& vsop87) : m_vsop87(&vsop87) {}
+
+void CPlanets::LoadSettings(const CSettingsStore& store)
+{
+    SetGreatRedSpotLongitudeDeg(store.GetReal("Planet", "GRSLong", 80.0));
+}
+
+void CPlanets::SaveSettings(CSettingsStore& store) const
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%f", m_grsLongitudeDeg);
+    store.WriteString("Planet", "GRSLong", text);
+}
+
+void CPlanets::SetGreatRedSpotLongitudeDeg(double degrees)
+{
+    if (!std::isfinite(degrees)) return;
+    const double r = std::fmod(degrees, 360.0);
+    m_grsLongitudeDeg = r < 0.0 ? r + 360.0 : r;
+}
+
+PositionStatus CPlanets::HeliocentricPosition([[maybe_unused]] const CObserverDoc& observer, int body, double jdTT,
+                                              SphericalLBR* ofDate, Vector3* j2000) const
+{
+    if (!std::isfinite(jdTT) || body < 1 || body > 9) return PositionStatus::InvalidInput;
+    if (body == kBodyPluto || !m_vsop87->IsOpen()) return PositionStatus::NoSource;
+    SphericalLBR lbr = m_vsop87->EvaluateOfDate(body, jdTT);
+    // From VSOP87's dynamical ecliptic and equinox to FK5 (Bretagnon &
+    // Francou 1988; Meeus eq. 32.3), T in Julian centuries.
+    const double T = (jdTT - 2451545.0) / 36525.0;
+    const double lp = lbr.lRad - (1.397 + 0.00031 * T) * T * kDegToRad;
+    const double dl = -0.09033 + 0.03916 * (std::cos(lp) + std::sin(lp)) * std::tan(lbr.bRad);
+    const double db = 0.03916 * (std::cos(lp) - std::sin(lp));
+    lbr.lRad = Mod2Pi(lbr.lRad + dl * kArcsecToRad);
+    lbr.bRad += db * kArcsecToRad;
+    if (ofDate) *ofDate = lbr;
+    if (j2000) {
+        // VSOP87D's ecliptic and equinox of date are those of the IAU 1976
+        // precession (Lieske et al. 1977) and obliquity: the rectangular
+        // J2000 result is formed with that model (ERFA eraObl80, eraPmat76).
+        // Through the IAU 2006 model instead it would drift from the
+        // theory's own J2000 frame by 0.30″ per century in longitude (the
+        // two models' precession rates differ by that much) and 0.02″ per
+        // century in the pole; formed this way the Earth agrees with SOFA's
+        // independent eraEpv00 to 0.04″ over 1900–2100. The FK5 correction
+        // above brings the theory's dynamical frame (DE200's) closer to the
+        // ICRS than the IAU 2006 frame bias does (0.04″ against 0.11″).
+        const double x = lbr.rAU * std::cos(lbr.bRad) * std::cos(lbr.lRad);
+        const double y = lbr.rAU * std::cos(lbr.bRad) * std::sin(lbr.lRad);
+        const double z = lbr.rAU * std::sin(lbr.bRad);
+        const double eps = eraObl80(jdTT, 0.0);
+        double ofDateEquatorial[3] = {x, y * std::cos(eps) - z * std::sin(eps), z * std::cos(eps) + y * std::sin(eps)};
+        double precession[3][3];
+        eraPmat76(jdTT, 0.0, precession);
+        double v[3];
+        eraTrxp(precession, ofDateEquatorial, v);
+        *j2000 = {v[0], v[1], v[2]};
+    }
+    return PositionStatus::Ok;
+}
+
+bool CPlanets::EarthAt(const CObserverDoc& observer, double jdTT, Vector3& earth)
+{
+    if (m_cacheObserver != &observer || jdTT != m_earthJdTT) {
+        if (HeliocentricPosition(observer, kBodyEarth, jdTT, nullptr, &m_earth) != PositionStatus::Ok) return false;
+        m_cacheObserver = &observer;
+        m_earthJdTT = jdTT;
+        m_velocityJdTT = std::numeric_limits<double>::quiet_NaN();
+    }
+    earth = m_earth;
+    return true;
+}
+
+double CPlanets::EarthVelocity(const CObserverDoc& observer, double jdTT)
+{
+    if (m_cacheObserver == &observer && jdTT == m_velocityJdTT) return m_lorentzFactor;
+    Vector3 before, after;
+    if (HeliocentricPosition(observer, kBodyEarth, jdTT - 0.001, nullptr, &before) != PositionStatus::Ok ||
+        HeliocentricPosition(observer, kBodyEarth, jdTT + 0.001, nullptr, &after) != PositionStatus::Ok)
+        return kNaN;
+    // A central difference over 0.002 d: its error (v·(ωh)²/6, ω the orbital
+    // rate) is 1e-12 of the velocity.
+    m_earthVelocityOverC = Scale(Sub(after, before), 1.0 / (kLightAUPerDay * 0.002));
+    m_lorentzFactor = 1.0 / std::sqrt(1.0 - Dot(m_earthVelocityOverC, m_earthVelocityOverC));
+    if (m_cacheObserver == &observer && jdTT == m_earthJdTT) m_velocityJdTT = jdTT;
+    return m_lorentzFactor;
+}
+
+PositionStatus CPlanets::ApparentPosition(const CObserverDoc& observer, int body, double jdTT, double& raRad,
+                                          double& decRad, PlaceCentre centre)
+{
+    if (!std::isfinite(jdTT) || body < 1 || body > 9) return PositionStatus::InvalidInput;
+    PlanetRecord& record = m_records[static_cast<std::size_t>(body)];
+    record.valid = false;
+    const bool sun = body == kBodySun;
+    Vector3 earth;
+    if (!m_vsop87->IsOpen()) return PositionStatus::NoSource;
+    if (!EarthAt(observer, jdTT, earth)) return PositionStatus::NoSource;
+    PositionStatus status = PositionStatus::Ok;
+    Vector3 target{};
+    if (!sun && (status = HeliocentricPosition(observer, body, jdTT, nullptr, &target)) != PositionStatus::Ok)
+        return status;
+    if (!std::isfinite(EarthVelocity(observer, jdTT))) return PositionStatus::NoSource;
+
+    // Light time, two passes: the body is taken where it was when the light
+    // now arriving left it. The delay includes the Sun's gravitational
+    // (Shapiro) term, which is undefined for the Sun itself and left out there.
+    const double e = Length(earth);
+    auto lightTimeDays = [&](const Vector3& p) {
+        const double d = Length(Sub(p, earth));
+        const double q = Length(p);
+        double path = d;
+        if (!sun) path += kSunSchwarzschildAU * std::log((e + q + d) / (e + q - d));
+        return path / kLightAUPerDay;
+    };
+    double tau = lightTimeDays(target);
+    record.earthDistance = Length(Sub(target, earth));
+    if (!sun) {
+        if ((status = HeliocentricPosition(observer, body, jdTT - tau, nullptr, &target)) != PositionStatus::Ok)
+            return status;
+        tau = lightTimeDays(target);
+    }
+    record.lightTimeSeconds = tau * 86400.0;
+
+    const Vector3 geometric = Sub(target, earth);
+    const double distance = Length(geometric);
+    Vector3 p = Scale(geometric, 1.0 / distance);
+    // Deflection of light by the Sun (Explanatory Supplement eq. 3.324-1);
+    // nothing for the Sun itself.
+    if (!sun) {
+        const double q = Length(target);
+        const Vector3 eu = Scale(earth, 1.0 / e);
+        const Vector3 qu = Scale(target, 1.0 / q);
+        const double factor = kSunSchwarzschildAU / ((1.0 + Dot(qu, eu)) * e);
+        p = Add(p, Scale(Sub(Scale(eu, Dot(p, qu)), Scale(qu, Dot(eu, p))), factor));
+    }
+    // Annual aberration, relativistic (Explanatory Supplement eq. 3.252-3).
+    const Vector3& v = m_earthVelocityOverC;
+    const double inverseGamma = 1.0 / m_lorentzFactor;
+    const double d = Dot(p, v);
+    p = Scale(Add(Scale(p, inverseGamma), Scale(v, 1.0 + d / (1.0 + inverseGamma))), 1.0 / (1.0 + d));
+
+    double u[3] = {p.x, p.y, p.z};
+    observer.PrecessXYZ(u, jdTT, -1);
+    observer.NutateXYZ(u, jdTT);
+    raRad = Mod2Pi(std::atan2(u[1], u[0]));
+    decRad = std::atan2(u[2], std::hypot(u[0], u[1]));
+    if (centre == PlaceCentre::Topocentric) ApplyParallax(observer, jdTT, distance, raRad, decRad);
+
+    record.raRad = raRad;
+    record.decRad = decRad;
+    record.sunDistanceAU = sun ? 0.0 : Length(target);
+    record.earthDistance = distance;
+    record.apparentDiameterRad = 2.0 * std::asin(std::min(1.0, BodyRadiusKm(body) / (distance * kAstronomicalUnitKmIAU2012)));
+    if (sun) {
+        record.phaseAngleRad = 0.0;
+        record.illuminatedFraction = 1.0;
+        record.elongationRad = 0.0;
+    } else {
+        // Phase angle at the body between the Sun and the Earth; elongation
+        // at the Earth between the Sun and the body.
+        record.phaseAngleRad = AngleBetween(Scale(target, -1.0), Scale(geometric, -1.0));
+        record.illuminatedFraction = 0.5 * (1.0 + std::cos(record.phaseAngleRad));
+        record.elongationRad = AngleBetween(Scale(earth, -1.0), geometric);
+    }
+    if (body == kBodySaturn) FillSaturnRing(observer, jdTT - tau, target, earth);
+    if (body == kBodyUranus) FillUranusLatitude(target, earth);
+    record.valid = true;
+    ComputeMagnitude(body, jdTT);
+    return PositionStatus::Ok;
+}
+
+void CPlanets::FillSaturnRing(const CObserverDoc& observer, double jdTT, const Vector3& saturnHelioJ2000,
+                              const Vector3& earthHelioJ2000)
+{
+    double lambda, beta, l, b;
+    EclipticOfDate(observer, Sub(saturnHelioJ2000, earthHelioJ2000), jdTT, lambda, beta);
+    EclipticOfDate(observer, saturnHelioJ2000, jdTT, l, b);
+    const SaturnRingGeometry ring = SaturnRingsMeeus(jdTT, lambda, beta, l, b);
+    PlanetRecord& record = m_records[kBodySaturn];
+    record.ringTiltRad = ring.earthTiltRad;
+    record.ringDeltaURad = ring.deltaURad;
+}
+
+void CPlanets::FillUranusLatitude(const Vector3& uranusHelioJ2000, const Vector3& earthHelioJ2000)
+{
+    // Uranus's north pole (IAU WGCCRE 2015): α0 = 257.311°, δ0 = −15.175°.
+    const double a0 = 257.311 * kDegToRad;
+    const double d0 = -15.175 * kDegToRad;
+    const Vector3 pole{std::cos(d0) * std::cos(a0), std::cos(d0) * std::sin(a0), std::sin(d0)};
+    const Vector3 toEarth = Sub(earthHelioJ2000, uranusHelioJ2000);
+    const Vector3 toSun = Scale(uranusHelioJ2000, -1.0);
+    const double subEarth = std::asin(Dot(pole, toEarth) / Length(toEarth));
+    const double subSun = std::asin(Dot(pole, toSun) / Length(toSun));
+    m_uranusSubLatitudeDeg = 0.5 * (std::fabs(subEarth) + std::fabs(subSun)) / kDegToRad;
+}
+
+void CPlanets::ComputeMagnitude(int body, double jdTT)
+{
+    if (body < 0 || body >= kBodyCount) return;
+    PlanetRecord& r = m_records[static_cast<std::size_t>(body)];
+    const double iDeg = r.phaseAngleRad / kDegToRad;
+    double mag = kNaN;
+    if (body == kBodyMoon) {
+        // Allen's phase law for the Moon at its mean distance (Astrophysical
+        // Quantities), as the program has always shown it; a negative phase
+        // angle is taken as 360° + i.
+        const double i = iDeg < 0.0 ? iDeg + 360.0 : iDeg;
+        mag = -12.73 + 0.026 * i + 4e-9 * i * i * i * i;
+    } else if (body == kBodySun) {
+        // V of the Sun at 1 AU, −26.76 (Willmer 2018, ApJS 236, 47).
+        mag = -26.76 + 5.0 * std::log10(r.earthDistance);
+    } else if (body == kBodyPluto) {
+        mag = -1.00 + 5.0 * std::log10(r.sunDistanceAU * r.earthDistance);
+    } else {
+        const double year = 2000.0 + (jdTT - 2451545.0) / 365.25;
+        mag = PlanetMagnitudeMallamaHilton(body, iDeg, r.sunDistanceAU, r.earthDistance,
+                                           std::fabs(r.ringTiltRad) / kDegToRad, m_uranusSubLatitudeDeg, year);
+    }
+    r.magnitudeCenti = Centi(mag);
+}
+
+double PlanetMagnitudeMallamaHilton(int body, double a, double sunDistanceAU, double earthDistanceAU,
+                                    double ringTiltDeg, double subLatitudeDeg, double decimalYear)
+{
+    if (!std::isfinite(a) || !(sunDistanceAU > 0.0) || !(earthDistanceAU > 0.0)) return kNaN;
+    const double distance = 5.0 * std::log10(sunDistanceAU * earthDistanceAU);
+    switch (body) {
+    case kBodyMercury:
+        return distance - 0.613 +
+               a * (6.3280e-02 + a * (-1.6336e-03 + a * (3.3644e-05 + a * (-3.4265e-07 + a * (1.6893e-09 - a * 3.0334e-12)))));
+    case kBodyVenus:
+        if (a < 163.7) return distance - 4.384 + a * (-1.044e-03 + a * (3.687e-04 + a * (-2.814e-06 + a * 8.938e-09)));
+        return distance + 236.05828 + a * (-2.81914 + a * 8.39034e-03);
+    case kBodyMars:
+        if (a <= 50.0) return distance - 1.601 + a * (2.267e-02 - a * 1.302e-04);
+        return distance - 0.367 + a * (-0.02573 + a * 3.445e-04);
+    case kBodyJupiter:
+        if (a <= 12.0) return distance - 9.395 + a * (-3.7e-04 + a * 6.16e-04);
+        {
+            const double x = a / 180.0;
+            return distance - 9.428 -
+                   2.5 * std::log10(1.0 + x * (-1.507 + x * (-0.363 + x * (-0.062 + x * (2.809 - x * 1.876)))));
+        }
+    case kBodySaturn: {
+        // Globe and rings together, for phase angles up to 6.5° and ring
+        // tilts up to 27° (all that is seen from the Earth).
+        const double s = std::sin(ringTiltDeg * kDegToRad);
+        return distance - 8.914 - 1.825 * s + 0.026 * a - 0.378 * s * std::exp(-2.25 * a);
+    }
+    case kBodyUranus:
+        return distance - 7.110 - 8.4e-04 * subLatitudeDeg + a * (6.587e-03 + a * 1.045e-04);
+    case kBodyNeptune: {
+        // Neptune brightened by about 0.11 mag between 1980 and 2000.
+        const double v10 = decimalYear >= 2000.0 ? -7.00
+                         : decimalYear <= 1980.0 ? -6.89
+                                                 : -6.89 - 0.11 * (decimalYear - 1980.0) / 20.0;
+        return distance + v10 + (a > 1.9 ? a * (7.944e-03 + a * 9.617e-05) : 0.0);
+    }
+    default:
+        return kNaN;
+    }
+}
+
+SaturnRingGeometry SaturnRingsMeeus(double jdTT, double lambda, double beta, double l, double b)
+{
+    const double T = (jdTT - 2451545.0) / 36525.0;
+    // Inclination and ascending node of the ring plane on the ecliptic and
+    // equinox of date (Meeus eq. 45.1).
+    const double i = (28.075216 - 0.012998 * T + 0.000004 * T * T) * kDegToRad;
+    const double node = (169.508470 + 1.394681 * T + 0.000412 * T * T) * kDegToRad;
+    SaturnRingGeometry g;
+    g.earthTiltRad = std::asin(std::sin(i) * std::cos(beta) * std::sin(lambda - node) - std::cos(i) * std::sin(beta));
+    g.sunTiltRad = std::asin(std::sin(i) * std::cos(b) * std::sin(l - node) - std::cos(i) * std::sin(b));
+    const double u1 = std::atan2(std::sin(i) * std::sin(b) + std::cos(i) * std::cos(b) * std::sin(l - node),
+                                 std::cos(b) * std::cos(l - node));
+    const double u2 = std::atan2(std::sin(i) * std::sin(beta) + std::cos(i) * std::cos(beta) * std::sin(lambda - node),
+                                 std::cos(beta) * std::cos(lambda - node));
+    double du = std::fabs(u1 - u2);
+    if (du > kPi) du = kTwoPi - du;
+    g.deltaURad = du;
+    return g;
+}
+
+PositionStatus CPlanets::MoonPosition(const CObserverDoc& observer, double jdTT, double& raRad, double& decRad,
+                                      double& distanceKm, PlaceCentre centre)
+{
+    if (!std::isfinite(jdTT)) return PositionStatus::InvalidInput;
+    PlanetRecord& record = m_records[kBodyMoon];
+    record.valid = false;
+    const MoonEclipticPlace moon = EvaluateMoonBlock(MoonDataBlock(), jdTT);
+    if (!std::isfinite(moon.lonDeg)) return PositionStatus::NoSource;
+    double dPsi, dEps;
+    observer.NutationTerms(jdTT, dPsi, dEps);
+    const double eps = observer.MeanObliquity(jdTT) + dEps;
+    const double lambda = moon.lonDeg * kDegToRad + dPsi;
+    const double beta = moon.latDeg * kDegToRad;
+    raRad = Mod2Pi(std::atan2(std::sin(lambda) * std::cos(beta) * std::cos(eps) - std::sin(beta) * std::sin(eps),
+                              std::cos(lambda) * std::cos(beta)));
+    decRad = std::asin(std::sin(beta) * std::cos(eps) + std::cos(beta) * std::sin(eps) * std::sin(lambda));
+    distanceKm = moon.distanceKm;
+    if (centre == PlaceCentre::Topocentric)
+        ApplyParallax(observer, jdTT, distanceKm / kAstronomicalUnitKmIAU2012, raRad, decRad);
+
+    record.raRad = raRad;
+    record.decRad = decRad;
+    record.earthDistance = distanceKm;
+    record.lightTimeSeconds = distanceKm / (kLightAUPerDay * kAstronomicalUnitKmIAU2012) * 86400.0;
+    record.apparentDiameterRad = 2.0 * std::asin(BodyRadiusKm(kBodyMoon) / distanceKm);
+    // Phase from the Sun's apparent place (Meeus ch. 48): the elongation ψ
+    // and the phase angle i = atan2(R sin ψ, Δ − R cos ψ).
+    double sunRa, sunDec;
+    if (ApparentPosition(observer, kBodySun, jdTT, sunRa, sunDec, PlaceCentre::Geocentric) == PositionStatus::Ok) {
+        const double sunKm = m_records[kBodySun].earthDistance * kAstronomicalUnitKmIAU2012;
+        const double psi = std::acos(std::clamp(std::sin(sunDec) * std::sin(decRad) +
+                                                    std::cos(sunDec) * std::cos(decRad) * std::cos(sunRa - raRad),
+                                                -1.0, 1.0));
+        record.elongationRad = psi;
+        record.phaseAngleRad = std::atan2(sunKm * std::sin(psi), distanceKm - sunKm * std::cos(psi));
+        record.illuminatedFraction = 0.5 * (1.0 + std::cos(record.phaseAngleRad));
+        record.sunDistanceAU = m_records[kBodySun].earthDistance;
+    }
+    record.valid = true;
+    ComputeMagnitude(kBodyMoon, jdTT);
+    return PositionStatus::Ok;
+}
+
+void CPlanets::ComputeAll(const CObserverDoc& observer, PlaceCentre centre)
+{
+    const double jdTT = observer.JulianDateTDT();
+    double ra, dec, km;
+    // The Moon first: its phase computes the Sun, which is then recomputed
+    // for the requested centre.
+    MoonPosition(observer, jdTT, ra, dec, km, centre);
+    for (int body = 1; body < kBodyCount; ++body) ApparentPosition(observer, body, jdTT, ra, dec, centre);
+}
+
+std::string CPlanets::PlanetInfoText(int body) const
+{
+    if (body < 0 || body >= kBodyCount) return {};
+    const PlanetRecord& r = m_records[static_cast<std::size_t>(body)];
+    std::string text(BodyName(body));
+    if (!r.valid) return text;
+    char line[128];
+    if (body == kBodyMoon) {
+        std::snprintf(line, sizeof line, "\nPhase: %.1lf%%\nD: %1d km", r.illuminatedFraction * 100.0,
+                      static_cast<int>(std::lround(r.earthDistance)));
+        return text + line;
+    }
+    if (body == kBodySun) {
+        std::snprintf(line, sizeof line, "\nD: %.4lf AU", r.earthDistance);
+        return text + line;
+    }
+    std::snprintf(line, sizeof line, "\nMag: %.1lf", r.magnitudeCenti * 0.01);
+    text += line;
+    if (body < 5) {
+        std::snprintf(line, sizeof line, "\nPhase: %.1lf%%", r.illuminatedFraction * 100.0);
+        text += line;
+    }
+    std::snprintf(line, sizeof line, "\nD: %.4lf AU\nR: %.4lf AU", r.earthDistance, r.sunDistanceAU);
+    return text + line;
+}
+
+}  // namespace orv

@@ -1,0 +1,64 @@
+// The VSOP87D planetary theory read from the data folder's "Data\VSOP87.idx"
+// and "Data\VSOP87.dat" (layout in docs/planet-files.md).
+//
+// VSOP87D (Bretagnon & Francou 1988, A&A 202, 309) gives the heliocentric
+// ecliptic spherical coordinates of the eight planets referred to the mean
+// dynamical ecliptic and equinox of date, as Poisson series in
+// t = (jdTT − 2451545.0)/365250 (Julian millennia of TDB; TT is used for TDB,
+// the two differing by under 2 ms). With every term of the published series
+// the theory follows the numerical integration DE200 to about 0.001″ in
+// longitude for Mercury to Mars over 1900–2100 and a few 0.01″ for the outer
+// planets over the same span.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "util/mappedfile.h"
+
+namespace orv {
+
+// Heliocentric spherical coordinates: longitude and latitude in radians,
+// radius vector in AU.
+struct SphericalLBR {
+    double lRad = 0.0;
+    double bRad = 0.0;
+    double rAU = 0.0;
+};
+
+// One entry of the index file: the first term of a series and its length.
+struct Vsop87IndexEntry {
+    std::int16_t firstTerm = 0;
+    std::int16_t termCount = 0;
+};
+inline constexpr std::size_t kVsop87IndexBytes = 576;  // 8 bodies × 18 entries × 4 bytes
+inline constexpr std::size_t kVsop87TermBytes = 24;    // three doubles A, B, C
+
+enum class Vsop87Status { Ok, Missing, Damaged };
+
+// The mapped series. Open once; evaluation is read-only and reentrant.
+class CVsop87D {
+public:
+    // Locates and maps both files (LocateDataFile). Missing when either file
+    // is absent; Damaged when the index is not 576 bytes or names a term
+    // beyond the end of the term file (every series is checked here, so
+    // evaluation needs no check of its own).
+    Vsop87Status Open();
+    Vsop87Status OpenFiles(const std::string& indexPath, const std::string& termPath);
+    bool IsOpen() const { return m_terms.IsOpen(); }
+    // Terms held for a body 1–8 (Mercury … Neptune, 3 the Earth).
+    int TermCount(int body) const;
+
+    // The series as published: L, B (rad, L not reduced to [0, 2π)) and R
+    // (AU), heliocentric, mean dynamical ecliptic and equinox of date, at
+    // jdTT. Body 1–8; a body outside that range, a non-finite date or an
+    // unopened series give NaN.
+    SphericalLBR EvaluateOfDate(int body, double jdTT) const;
+
+private:
+    CMappedFile m_terms;
+    std::array<std::array<Vsop87IndexEntry, 18>, 8> m_index{};
+};
+
+}  // namespace orv
