@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "catalog/stars/stardisplay.h"
+#include "map/mapview.h"
 #include "solarsystem/planetsource.h"
 
 namespace orv {
@@ -65,6 +67,8 @@ void DrawPlanets(DrawContext& ctx, const CPlanets& planets, const PlanetChartPla
     const double W = ctx.Width(), H = ctx.Height();
     const bool solidGround = ctx.view.altAzGrid.solidHorizon != 0;
     const CGroundTest ground(ctx.frame);
+    const StarSizeScale starScale{ctx.view.starState.magLimit, ctx.view.starState.magBright, ctx.doc.stars.starRadBright,
+                                  ctx.doc.stars.starRadFaint};
     // The Sun first, the Moon last: nearer bodies cover farther ones.
     static constexpr int kOrder[] = {kBodySun, kBodyPluto, kBodyNeptune, kBodyUranus, kBodySaturn,
                                      kBodyJupiter, kBodyMars, kBodyVenus, kBodyMercury, kBodyMoon};
@@ -80,13 +84,21 @@ void DrawPlanets(DrawContext& ctx, const CPlanets& planets, const PlanetChartPla
         const double halfDiameter = 0.5 * r.apparentDiameterRad;
         const double edgeDec = r.decRad + (r.decRad > 0 ? -halfDiameter : halfDiameter);
         if (Project(ctx.frame, r.raRad, edgeDec, edge)) discPx = std::hypot(edge.x - s.x, edge.y - s.y);
-        const double symbolPx = ctx.Px(SymbolRadiusInches(r.magnitudeCenti * 0.01));
+        // Never smaller than a star of the same magnitude on this chart: at
+        // deep levels the star discs are scaled to the level's faint range,
+        // and a planet drawn by its own rule would look fainter than the
+        // ninth-magnitude stars around it.
+        const double symbolPx = std::max(ctx.Px(SymbolRadiusInches(r.magnitudeCenti * 0.01)),
+                                         StarDiscVerticalPx(StarDiscRadius(r.magnitudeCenti, starScale), ctx.surface.dpiY) + 0.5);
         const double radius = std::max(discPx, symbolPx);
         if (s.x < -radius || s.y < -radius || s.x > W + radius || s.y > H + radius) continue;
         if (solidGround && ground.BelowHorizon(s.x, s.y)) continue;
 
         p.setPen(Qt::NoPen);
-        const bool phased = discPx >= 3.0 && body != kBodySun && r.illuminatedFraction < 0.995;
+        // The phase is drawn once the true disc is larger than the symbol;
+        // smaller, the symbol (a full disc) stands for the body.
+        const bool phased =
+            discPx >= std::max(3.0, symbolPx) && body != kBodySun && r.illuminatedFraction < 0.995;
         if (phased) {
             // The dark disc, then the lit part turned toward the Sun.
             p.setBrush(ctx.palette.planetDark);

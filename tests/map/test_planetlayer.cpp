@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "catalog/stars/stardisplay.h"
 #include "map/chartframe.h"
 #include "map/drawcontext.h"
 #include "renderfixture.h"
@@ -70,4 +71,35 @@ TEST(PlanetLayer, RedSchemeDrawsTheBodiesInPureRed)
         EXPECT_EQ(c.green(), 0);
         EXPECT_EQ(c.blue(), 0);
     }
+}
+
+// At a deep level the star discs are scaled to the level's faint range; a
+// planet whose true disc is smaller than that scale is drawn as a full
+// symbol at least as large as a star of its magnitude, never as a dot
+// smaller than the ninth-magnitude stars around it. Jupiter on 2026 Jan 9
+// (opposition; 45″ across, magnitude −2.7) at level 8.
+TEST(PlanetLayer, APlanetIsNeverSmallerThanAStarOfItsMagnitude)
+{
+    test::CSmallCatalogueChart chart(800, 600);
+    CObserverDoc& observer = chart.Doc().observer;
+    observer.SetJulianDate(2461050.5);
+    const FindResult found = chart.Components().objects.Resolve("Jupiter", observer);
+    ASSERT_EQ(found.status, FindStatus::Found) << found.message;
+    CMapView& v = chart.View();
+    v.SetLevel(7, CMapView::TakeField::Yes);
+    v.coordinates.SetCentreRaDec(observer, found.matches[0].raJ2000Rad, found.matches[0].decJ2000Rad);
+    v.planets.visible = 1;
+    v.planets.OnLevelChange(v.Level());
+    chart.Render();
+    const SceneObject* jupiter = nullptr;
+    for (const SceneObject& o : chart.Renderer().LastScene().Objects())
+        if (o.Type() == ObjectType::Planet && o.key == static_cast<std::uint32_t>(kBodyJupiter)) jupiter = &o;
+    ASSERT_NE(jupiter, nullptr);
+    const double trueRadiusPx =
+        0.5 * 45.0 * kRadPerArcsec * v.coordinates.ScaleY();  // about 2 px at this level's scale
+    const StarSizeScale scale{v.starState.magLimit, v.starState.magBright, chart.Doc().stars.starRadBright,
+                              chart.Doc().stars.starRadFaint};
+    const int brightestStarPx = StarDiscVerticalPx(StarDiscRadius(jupiter->magCenti, scale), 96.0);
+    EXPECT_GT(brightestStarPx, trueRadiusPx);
+    EXPECT_GE(jupiter->radiusPx, brightestStarPx);
 }
