@@ -141,11 +141,7 @@ CDeepSkyPropertySheet::CDeepSkyPropertySheet(const CDeepSkySettings& settings, C
     tabs->addTab(new CConfigDeepSkyDisplayPage(m_settings, tabs), tr("Display"));
     tabs->addTab(new CConfigDeepSkyNamesPage(m_settings, tabs), tr("Names"));
     layout->addWidget(tabs);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    QPushButton* defaults = buttons->addButton(tr("Save as &Defaults"), QDialogButtonBox::ActionRole);
-    connect(defaults, &QPushButton::clicked, this, [this, &store] {
+    auto* buttons = OkCancelSaveDefaults(this, [this, &store] {
         m_settings.Save(store);
         store.Flush();
     });

@@ -46,6 +46,14 @@ QDialogButtonBox* OkCancel(QDialog* dialog)
 }
 }  // namespace
 
+QDialogButtonBox* OkCancelSaveDefaults(QDialog* dialog, std::function<void()> saveDefaults)
+{
+    QDialogButtonBox* buttons = OkCancel(dialog);
+    QPushButton* defaults = buttons->addButton(QObject::tr("Save as &Defaults"), QDialogButtonBox::ActionRole);
+    QObject::connect(defaults, &QPushButton::clicked, dialog, std::move(saveDefaults));
+    return buttons;
+}
+
 // ------------------------------------------------------------------ settings form
 
 CSettingsForm::CSettingsForm(QWidget* parent) : QWidget(parent), m_form(new QFormLayout(this)) {}
@@ -384,9 +392,7 @@ CStarPropertySheet::CStarPropertySheet(const CStarSettings& settings, CSettingsS
     tabs->addTab(new CStarPageOptions(m_settings, tabs), tr("Options"));
     tabs->addTab(new CStarPageGSC(m_settings, tabs), tr("GSC"));
     layout->addWidget(tabs);
-    auto* buttons = OkCancel(this);
-    QPushButton* defaults = buttons->addButton(tr("Save as &Defaults"), QDialogButtonBox::ActionRole);
-    connect(defaults, &QPushButton::clicked, this, [this, &store] {
+    auto* buttons = OkCancelSaveDefaults(this, [this, &store] {
         m_settings.Save(store);
         store.Flush();
     });
@@ -472,9 +478,7 @@ CConstellationPropertySheet::CConstellationPropertySheet(const CConstellationSet
     tabs->addTab(new CConstellationGeneralPage(m_settings, tabs), tr("General"));
     tabs->addTab(new CConstellationCornerPage(m_settings, tabs), tr("Corner"));
     layout->addWidget(tabs);
-    auto* buttons = OkCancel(this);
-    QPushButton* defaults = buttons->addButton(tr("Save as &Defaults"), QDialogButtonBox::ActionRole);
-    connect(defaults, &QPushButton::clicked, this, [this, &store] {
+    auto* buttons = OkCancelSaveDefaults(this, [this, &store] {
         m_settings.Save(store);
         store.Flush();
     });
@@ -521,9 +525,7 @@ CGridOptionsDialog::CGridOptionsDialog(const CMapDoc& doc, const CMapView& view,
         m_grids.push_back(std::move(g));
     }
     layout->addWidget(tabs);
-    auto* buttons = OkCancel(this);
-    QPushButton* defaults = buttons->addButton(tr("Save as &Defaults"), QDialogButtonBox::ActionRole);
-    connect(defaults, &QPushButton::clicked, this, [this, &store] {
+    auto* buttons = OkCancelSaveDefaults(this, [this, &store] {
         for (const auto& g : m_grids) {
             g->data.Save(store);
             g->display.Save(store);
@@ -645,9 +647,7 @@ CViewSettingsDialog::CViewSettingsDialog(const CMapViewSettings& settings, Page 
         form->AddNumber(tr("Update every:"), m_settings.timeUpdateInterval, 1, 3600, tr(" s"));
     }
     layout->addWidget(form);
-    auto* buttons = OkCancel(this);
-    QPushButton* defaults = buttons->addButton(tr("Save as &Defaults"), QDialogButtonBox::ActionRole);
-    connect(defaults, &QPushButton::clicked, this, [this, &store] {
+    auto* buttons = OkCancelSaveDefaults(this, [this, &store] {
         m_settings.Save(store);
         store.Flush();
     });

@@ -18,6 +18,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QDialogButtonBox;
 class QDoubleSpinBox;
 class QFormLayout;
 class QLabel;
@@ -33,6 +34,10 @@ class CMapView;
 class CMapWindow;
 class CAppContext;
 class CSettingsStore;
+
+// OK and Cancel for a settings dialog, and "Save as Defaults", which calls
+// `saveDefaults` (the dialog's settings written to the stored defaults).
+QDialogButtonBox* OkCancelSaveDefaults(QDialog* dialog, std::function<void()> saveDefaults);
 
 // A form whose rows edit integer settings in place.
 class CSettingsForm : public QWidget {
