@@ -13,6 +13,8 @@ struct CChartRenderer::Impl {
     std::vector<std::unique_ptr<IChartLayer>> layers;
     // (slot, layer) in drawing order: by slot, then in order of registration.
     std::vector<std::pair<LayerSlot, IChartLayer*>> order;
+    // Each layer once, at its first place in the order (for Prepare).
+    std::vector<IChartLayer*> prepareOrder;
     CChartScene windowScene;  // the last raster-display draw: identification reads it
     CChartScene otherScene;   // the last printer, picture or vector draw
     bool lastWasWindow = true;
@@ -28,6 +30,9 @@ CChartRenderer::CChartRenderer(const CChartComponents& components)
         for (LayerSlot slot : layer->Slots()) m_impl->order.emplace_back(slot, layer.get());
     std::stable_sort(m_impl->order.begin(), m_impl->order.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (const auto& [slot, layer] : m_impl->order)
+        if (std::find(m_impl->prepareOrder.begin(), m_impl->prepareOrder.end(), layer) == m_impl->prepareOrder.end())
+            m_impl->prepareOrder.push_back(layer);
 }
 
 CChartRenderer::~CChartRenderer() = default;
@@ -68,12 +73,8 @@ void CChartRenderer::Draw(const DrawSurface& surface, const CMapView& view, cons
 
     p.fillRect(QRectF(0, 0, s.widthPx, s.heightPx), ctx.palette.background);
     // Layers that draw in fixed places take them before any label is placed.
-    std::vector<const IChartLayer*> prepared;
-    for (const auto& [slot, layer] : m_impl->order) {
-        if (std::find(prepared.begin(), prepared.end(), layer) != prepared.end()) continue;
-        prepared.push_back(layer);
+    for (IChartLayer* layer : m_impl->prepareOrder)
         if (layer->ShownAt(view, view.Level())) layer->Prepare(ctx);
-    }
     // The fixed order of a chart, each layer over the ones before it.
     for (const auto& [slot, layer] : m_impl->order) {
         if (!layer->ShownAt(view, view.Level())) continue;

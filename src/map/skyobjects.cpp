@@ -154,15 +154,17 @@ std::vector<std::string> CSkyObjectRegistry::CompletionNames() const
     std::vector<std::string> names;
     for (const auto& s : m_sources)
         if (s->Available()) s->CompletionNames(names);
-    auto lower = [](const std::string& a) {
-        std::string l(a);
-        for (char& c : l) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        return l;
-    };
-    std::sort(names.begin(), names.end(), [&](const std::string& a, const std::string& b) {
-        const std::string la = lower(a), lb = lower(b);
-        return la != lb ? la < lb : a < b;
-    });
+    // Sorted without regard to case (keys made once, not per comparison).
+    std::vector<std::pair<std::string, std::string>> keyed;
+    keyed.reserve(names.size());
+    for (std::string& n : names) {
+        std::string key(n);
+        for (char& c : key) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        keyed.emplace_back(std::move(key), std::move(n));
+    }
+    std::sort(keyed.begin(), keyed.end());
+    names.clear();
+    for (auto& [key, n] : keyed) names.push_back(std::move(n));
     names.erase(std::unique(names.begin(), names.end()), names.end());
     return names;
 }
