@@ -151,6 +151,11 @@ QString HourLabel(long long secondsOfTime);
 QString AngleLabel(long long arcsec, bool signedValue, bool withDegreeSign = true);
 QString AzimuthLabel(long long arcsec);
 
+// Strokes the pieces of a curve traced through the projection (curvetrace.h)
+// with the painter's pen: grids, constellation figures and boundaries.
+struct TracedCurve;
+void StrokePolylines(QPainter& p, const TracedCurve& c);
+
 // The ground below the horizon: a test in projection-plane coordinates.
 // Stereographic projection maps the horizon to a circle (or a line), so the
 // ground is the inside or the outside of that circle.

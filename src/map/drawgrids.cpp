@@ -208,8 +208,6 @@ QString AzimuthLabel(long long arcsec)
     }
 }
 
-namespace {
-
 void StrokePolylines(QPainter& p, const TracedCurve& c)
 {
     QPolygonF poly;
@@ -219,6 +217,8 @@ void StrokePolylines(QPainter& p, const TracedCurve& c)
         p.drawPolyline(poly);
     }
 }
+
+namespace {
 
 // The lowest point of a traced line on the screen, for labelling lines that
 // never cross the border (a parallel circling a pole in the field).

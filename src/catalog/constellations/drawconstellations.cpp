@@ -1,7 +1,6 @@
 #include "catalog/constellations/drawconstellations.h"
 
 #include <QFontMetricsF>
-#include <QPainterPath>
 
 #include <algorithm>
 #include <cmath>
@@ -34,16 +33,6 @@ CCurveTracer MakeTracer(const DrawContext& ctx)
     const double visible = ctx.coords.VisibleRadiusRad();
     const double cap = std::min(visible + CCurveTracer::CapMarginRad(visible), 170.0 * kRadPerDeg);
     return CCurveTracer(ctx.frame, ctx.Width(), ctx.Height(), cap, 0.3, ctx.LineWidth() + 2.0);
-}
-
-void Stroke(QPainter& p, const TracedCurve& c)
-{
-    for (const auto& line : c.polylines) {
-        if (line.size() < 2) continue;
-        QPainterPath path(QPointF(line[0].x, line[0].y));
-        for (std::size_t i = 1; i < line.size(); ++i) path.lineTo(line[i].x, line[i].y);
-        p.drawPath(path);
-    }
 }
 
 // Number of initial steps along an arc of `lengthRad`: never longer than the
@@ -167,7 +156,7 @@ void CConstellationLayer::DrawFigures(DrawContext& ctx)
                 for (int k = 0; k < 3; ++k) v[k] /= n;
             },
             0.0, 1.0, Steps(ctx, std::acos(dot)));
-        Stroke(ctx.painter, c);
+        StrokePolylines(ctx.painter, c);
     }
 }
 
@@ -207,7 +196,7 @@ void CConstellationLayer::DrawBoundaries(DrawContext& ctx, int onlyConstellation
                 },
                 e.ra1Rad, e.ra1Rad + span, Steps(ctx, span * std::cos(e.dec1Rad)));
         }
-        Stroke(ctx.painter, c);
+        StrokePolylines(ctx.painter, c);
     }
 }
 
