@@ -14,11 +14,11 @@ top="$(cd "$(dirname "$0")/../.." && pwd)"
 sources="${ORVANE_SOURCES:-$top/data-sources}"
 
 needed=(deepsky/ngcic/ngcic.dat deepsky/ngcic/ngcicnam.idx deepsky/ngcic/ngcicbnd.dat
-        deepsky/LEDA/LEDA.dat deepsky/LEDA/LEDAbnd.dat deepsky/LEDA/LEDAName.idx
+        deepsky/LEDA/LEDA.dat deepsky/LEDA/LEDAbnd.dat deepsky/LEDA/LEDAName.idx deepsky/LEDA/LEDAName.dat
         deepsky/Strasbrg/pln.dat deepsky/Strasbrg/plnbnd.dat CatExt.dat)
 # Raised whenever orvane-databuild --deepsky writes different files from the
 # same sources.
-revision=1
+revision=2
 stamp="$data/deepsky/.databuild-revision"
 
 missing=0

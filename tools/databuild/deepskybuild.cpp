@@ -36,7 +36,7 @@ bool RunDeepSkyBuild(const DeepSkyBuildOptions& options, const Progress& progres
     }
     std::vector<BuildSacObject> sac;
     if (!ReadSac(options.sacFile, sac, progress, error)) return false;
-    for (const OutputFile& file : WriteSacFiles(std::move(sac)))
+    for (const OutputFile& file : WriteSacFiles(std::move(sac), names))
         if (!Store(options.outputDir, file, progress, error)) return false;
     return true;
 }

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cmath>
 #include <cstring>
+#include <fstream>
 
 #include "map/skyframes.h"
 #include "util/angles.h"
@@ -79,7 +80,41 @@ bool CDeepSkyCatalogues::OpenWith(const Locator& locate)
         if (!spec.names.empty() && locate(spec.names, names)) f.names.Open(names);
         ComputeRegionCircles(f);
     }
+    // The popular names and labels are looked up through the name indexes,
+    // so they are read once those are open. Missing lists are no error.
+    for (NameList& list : m_popularNames) list.clear();
+    m_sacLabels.clear();
+    std::string path;
+    if (locate(deepsky::kLedaPopularFile, path))
+        LoadNameList(DeepSkyCatalogueId::Leda, path, m_popularNames[static_cast<std::size_t>(DeepSkyCatalogueId::Leda)]);
+    if (locate(deepsky::kSacPopularFile, path))
+        LoadNameList(DeepSkyCatalogueId::Sac, path, m_popularNames[static_cast<std::size_t>(DeepSkyCatalogueId::Sac)]);
+    if (locate(deepsky::kSacLabelFile, path)) LoadNameList(DeepSkyCatalogueId::Sac, path, m_sacLabels);
     return AnyOpen();
+}
+
+void CDeepSkyCatalogues::LoadNameList(DeepSkyCatalogueId c, const std::string& path, NameList& out) const
+{
+    std::ifstream in(path, std::ios::binary);
+    std::string line;
+    // A line longer than any name list holds is not one of ours: stop
+    // rather than read an unbounded line into memory.
+    constexpr std::size_t kLongestLine = 4096;
+    while (std::getline(in, line)) {
+        if (line.size() > kLongestLine) break;
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (line.empty() || line[0] == '#') continue;
+        const std::size_t bar = line.find(deepsky::kNameListSeparator);
+        if (bar == std::string::npos || bar == 0 || bar + 1 >= line.size()) continue;
+        if (const auto record = FindName(c, std::string_view(line).substr(0, bar)))
+            out[*record] = line.substr(bar + 1);
+    }
+}
+
+std::string CDeepSkyCatalogues::SacLabel(std::uint32_t record) const
+{
+    const auto it = m_sacLabels.find(record);
+    return it == m_sacLabels.end() ? std::string() : it->second;
 }
 
 bool CDeepSkyCatalogues::AnyOpen() const
@@ -192,6 +227,9 @@ bool CDeepSkyCatalogues::Texts(DeepSkyCatalogueId c, std::uint32_t record, DeepS
         t.morphology = FixedString(r + deepsky::sac::kClass, 10);
         break;
     }
+    const NameList& popular = m_popularNames[static_cast<std::size_t>(c)];
+    if (const auto it = popular.find(record); it != popular.end()) t.names = it->second;
+    if (c == DeepSkyCatalogueId::Sac) t.label = SacLabel(record);
     return true;
 }
 
@@ -237,9 +275,26 @@ std::optional<std::uint32_t> CDeepSkyCatalogues::FindPlanetary(std::string_view 
     return {};
 }
 
-std::vector<std::uint32_t> CDeepSkyCatalogues::FindCommonName(std::string_view name) const
+namespace {
+
+// True when one of the "; "-separated names of `names` (lower case) is `wanted`.
+bool HasName(const std::string& names, const std::string& wanted)
 {
-    std::vector<std::uint32_t> found;
+    std::size_t at = 0;
+    while (at <= names.size()) {
+        const std::size_t end = std::min(names.find("; ", at), names.size());
+        if (names.compare(at, end - at, wanted) == 0) return true;
+        at = end + 2;
+    }
+    return false;
+}
+
+}  // namespace
+
+std::vector<std::pair<DeepSkyCatalogueId, std::uint32_t>> CDeepSkyCatalogues::FindCommonName(
+    std::string_view name) const
+{
+    std::vector<std::pair<DeepSkyCatalogueId, std::uint32_t>> found;
     const std::string wanted = Lower(name);
     if (wanted.empty()) return found;
     const std::size_t n = Count(DeepSkyCatalogueId::NgcIc);
@@ -247,17 +302,16 @@ std::vector<std::uint32_t> CDeepSkyCatalogues::FindCommonName(std::string_view n
     for (std::size_t i = 0; i < n; ++i) {
         const std::uint8_t* r = f.records.Data() + i * f.recordSize;
         if (r[deepsky::ngc::kCommonName] == 0) continue;
-        const std::string names = Lower(FixedString(r + deepsky::ngc::kCommonName, 64));
-        // One of the "; "-separated names equal to the text.
-        std::size_t at = 0;
-        while (at <= names.size()) {
-            const std::size_t end = std::min(names.find("; ", at), names.size());
-            if (names.compare(at, end - at, wanted) == 0) {
-                found.push_back(static_cast<std::uint32_t>(i));
-                break;
-            }
-            at = end + 2;
-        }
+        if (HasName(Lower(FixedString(r + deepsky::ngc::kCommonName, 64)), wanted))
+            found.emplace_back(DeepSkyCatalogueId::NgcIc, static_cast<std::uint32_t>(i));
+    }
+    for (const DeepSkyCatalogueId c : {DeepSkyCatalogueId::Leda, DeepSkyCatalogueId::Sac}) {
+        std::vector<std::uint32_t> records;
+        for (const auto& [record, names] : m_popularNames[static_cast<std::size_t>(c)])
+            if (HasName(Lower(names), wanted)) records.push_back(record);
+        // The map's order is arbitrary; a stable answer lists records in order.
+        std::sort(records.begin(), records.end());
+        for (const std::uint32_t r : records) found.emplace_back(c, r);
     }
     return found;
 }

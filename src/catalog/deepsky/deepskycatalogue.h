@@ -12,6 +12,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "catalog/deepsky/deepskyformat.h"
@@ -59,6 +61,7 @@ struct DeepSkyTexts {
     std::string names;        // common names, "; "-separated ("Great Orion Nebula; Orion Nebula")
     std::string morphology;   // "SA(s)b"
     std::string otherIds;     // "Sh2-281; LBN 974"
+    std::string label;        // the chart label a catalogue's label list gives (SAC), else empty
 
     // The first common name, or empty.
     std::string CommonName() const { return names.substr(0, names.find("; ")); }
@@ -86,9 +89,12 @@ public:
     std::optional<std::uint32_t> FindName(DeepSkyCatalogueId c, std::string_view name) const;
     // A Strasbourg nebula by its galactic designation ("054.1-12.1").
     std::optional<std::uint32_t> FindPlanetary(std::string_view png) const;
-    // NGC/IC records whose common names include `name`, compared without
-    // regard to case ("orion nebula").
-    std::vector<std::uint32_t> FindCommonName(std::string_view name) const;
+    // Objects whose common names include `name`, compared without regard to
+    // case ("orion nebula", "cartwheel galaxy"): NGC/IC records first, then
+    // the LEDA galaxies and SAC objects of the popular-name lists.
+    std::vector<std::pair<DeepSkyCatalogueId, std::uint32_t>> FindCommonName(std::string_view name) const;
+    // The chart label a SAC object's label list gives it, or empty.
+    std::string SacLabel(std::uint32_t record) const;
 
     // Every object of catalogue `c` within `radiusRad` of the J2000 place
     // (its extent included), region by region, appended to `out`.
@@ -108,7 +114,13 @@ private:
     bool OpenWith(const Locator& locate);
     static void ComputeRegionCircles(FileSet& f);
 
+    // A "designation|text" list read whole, keyed by record.
+    using NameList = std::unordered_map<std::uint32_t, std::string>;
+    void LoadNameList(DeepSkyCatalogueId c, const std::string& path, NameList& out) const;
+
     std::array<FileSet, kDeepSkyCatalogueCount> m_files;
+    std::array<NameList, kDeepSkyCatalogueCount> m_popularNames;  // LEDA and SAC only
+    NameList m_sacLabels;
 };
 
 // The name written as the name indexes hold it: the catalogue prefix in its

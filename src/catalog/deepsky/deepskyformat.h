@@ -30,6 +30,11 @@ inline constexpr std::string_view kPlanetaryBoundsFile = "deepsky\\Strasbrg\\pln
 inline constexpr std::string_view kSacFile = "deepsky\\sac\\sacsupp.dat";
 inline constexpr std::string_view kSacBoundsFile = "deepsky\\sac\\sacbound.dat";
 inline constexpr std::string_view kSacNameFile = "deepsky\\sac\\sacname.dat";
+// Text files beside the binary records: popular names of LEDA galaxies and
+// SAC objects, and the SAC objects' chart labels (see NameListLine below).
+inline constexpr std::string_view kLedaPopularFile = "deepsky\\LEDA\\LEDAName.dat";
+inline constexpr std::string_view kSacPopularFile = "deepsky\\sac\\sacpop.dat";
+inline constexpr std::string_view kSacLabelFile = "deepsky\\sac\\saclabel.dat";
 inline constexpr std::string_view kCatExtFile = "CatExt.dat";
 
 // The same names as the builder creates them on disk.
@@ -44,6 +49,15 @@ inline constexpr std::string_view kPlanetaryBoundsDiskName = "deepsky/Strasbrg/p
 inline constexpr std::string_view kSacDiskName = "deepsky/sac/sacsupp.dat";
 inline constexpr std::string_view kSacBoundsDiskName = "deepsky/sac/sacbound.dat";
 inline constexpr std::string_view kSacNameDiskName = "deepsky/sac/sacname.dat";
+inline constexpr std::string_view kLedaPopularDiskName = "deepsky/LEDA/LEDAName.dat";
+inline constexpr std::string_view kSacPopularDiskName = "deepsky/sac/sacpop.dat";
+inline constexpr std::string_view kSacLabelDiskName = "deepsky/sac/saclabel.dat";
+
+// The name lists are UTF-8 text, one object a line: its designation as the
+// catalogue's name index holds it, a "|", then the text ("LEDA 2248|Cartwheel
+// Galaxy; Cartwheel Ring Galaxy" for names, "NGC 224|M 31" for a SAC
+// object's chart label). Lines starting with "#" are comments.
+inline constexpr char kNameListSeparator = '|';
 
 // Magnitude field of an object without a measured magnitude (0.01 mag).
 inline constexpr std::int16_t kNoMagnitude = 32767;

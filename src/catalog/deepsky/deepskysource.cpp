@@ -97,7 +97,7 @@ std::vector<std::pair<DeepSkyObject, DeepSkyTexts>> ResolveDeepSkyName(const CDe
         }
         return out;
     }
-    for (const std::uint32_t r : cats.FindCommonName(trimmed)) add(DeepSkyCatalogueId::NgcIc, r);
+    for (const auto& [c, r] : cats.FindCommonName(trimmed)) add(c, r);
     // The SAC database's own designations ("AND III", "Abell 426"), as the
     // database writes them.
     if (out.empty())

@@ -201,7 +201,7 @@ private:
 
 std::string DeepSkyLabel(const DeepSkyTexts& t, int labelOption)
 {
-    const std::string designation = t.messier.empty() ? t.designation : t.messier;
+    const std::string designation = !t.label.empty() ? t.label : t.messier.empty() ? t.designation : t.messier;
     const std::string name = t.CommonName();
     switch (labelOption) {
     case 1: return name.empty() ? designation : name;

@@ -85,7 +85,11 @@ protected:
             EXPECT_TRUE(db::ParseSacLine(line, o, why)) << why;
             sac.push_back(o);
         }
-        for (db::OutputFile& f : db::WriteSacFiles(sac)) files.push_back(std::move(f));
+        // A line of stellarium's deep-sky name list, verbatim: it names the
+        // SAC's "AND III" through the PGC number of its "other" field.
+        db::DsoNameLine name;
+        EXPECT_TRUE(db::ParseDsoNameLine(R"(PGC  2121            _("Andromeda III Dwarf Galaxy"))", name));
+        for (db::OutputFile& f : db::WriteSacFiles(sac, {name})) files.push_back(std::move(f));
         for (const db::OutputFile& f : files) {
             const std::filesystem::path path = std::filesystem::path(s_folder) / f.path;
             std::filesystem::create_directories(path.parent_path());
@@ -256,6 +260,12 @@ TEST_F(MiniatureCatalogue, FindsEveryDesignationForm)
     EXPECT_EQ(found[0].first.catalogue, DeepSkyCatalogueId::Sac);
     EXPECT_EQ(found[0].second.otherIds, "PGC 2121");
     EXPECT_NEAR(found[0].first.majorArcmin, 2.0, 0.05);
+    // ... and the popular names the name list gives them under another
+    // designation.
+    found = ResolveDeepSkyName(c, "andromeda iii dwarf galaxy");
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].second.designation, "AND III");
+    EXPECT_EQ(found[0].second.names, "Andromeda III Dwarf Galaxy");
     EXPECT_TRUE(ResolveDeepSkyName(c, "NGC 7000").empty());
     EXPECT_TRUE(ResolveDeepSkyName(c, "Orion").empty());
 }

@@ -83,6 +83,20 @@ TEST_F(BuiltDeepSky, KnownObjectsAgainstPublishedPositions)
     }
 }
 
+TEST_F(BuiltDeepSky, GalaxiesOutsideTheNgcIcFoundByTheirPopularNames)
+{
+    // PGC numbers from the Lyon-Meudon database: the Cartwheel is PGC 2248,
+    // the Large Magellanic Cloud PGC 17223.
+    for (const auto& [name, designation] : {std::pair{"Cartwheel Galaxy", "LEDA 2248"},
+                                            std::pair{"large magellanic cloud", "LEDA 17223"}}) {
+        const auto found = ResolveDeepSkyName(m_cats, name);
+        ASSERT_EQ(found.size(), 1u) << name;
+        EXPECT_EQ(found[0].second.designation, designation) << name;
+        EXPECT_EQ(found[0].first.catalogue, DeepSkyCatalogueId::Leda) << name;
+        EXPECT_FALSE(found[0].second.names.empty()) << name;
+    }
+}
+
 TEST_F(BuiltDeepSky, MessierAndCaldwellNumbersAndCommonNames)
 {
     const auto m42 = ResolveDeepSkyName(m_cats, "NGC 1976");

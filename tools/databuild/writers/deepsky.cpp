@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cctype>
 #include <cstring>
+#include <unordered_map>
 #include <utility>
 
 #include "catalog/deepsky/deepskyformat.h"
@@ -194,6 +196,19 @@ OutputFile WriteLedaNames(const DeepSkyCatalogue& leda)
     return {std::string(deepsky::kLedaNameDiskName), std::move(w.Data())};
 }
 
+OutputFile WriteLedaPopularNames(const DeepSkyCatalogue& leda)
+{
+    std::string text = "# Popular names of LEDA galaxies: designation|names\n";
+    for (const BuildDeepSkyObject& o : leda.objects) {
+        // Those the NGC/IC holds are named there; naming them twice would
+        // make their names ambiguous in the find box.
+        const bool inNgcIc = o.ngc != 0 || o.ic != 0 || o.messier != 0 || o.caldwell != 0;
+        if (o.commonName.empty() || inNgcIc) continue;
+        text += "LEDA " + std::to_string(o.pgc) + deepsky::kNameListSeparator + o.commonName + "\n";
+    }
+    return {std::string(deepsky::kLedaPopularDiskName), {text.begin(), text.end()}};
+}
+
 OutputFile WritePlanetaryRecords(const DeepSkyCatalogue& planetary)
 {
     namespace f = deepsky::pln;
@@ -237,7 +252,72 @@ OutputFile WriteDeepSkyBounds(const DeepSkyCatalogue& catalogue, std::string_vie
     return {std::string(diskName), std::move(w.Data())};
 }
 
-std::vector<OutputFile> WriteSacFiles(std::vector<BuildSacObject> objects)
+namespace {
+
+// "Ngc 224" → "NGC 224": the prefix of a designation in capitals, as
+// stellarium's name list files its keys.
+std::string NameKey(std::string_view designation)
+{
+    std::string key(designation);
+    const std::size_t space = key.find(' ');
+    for (std::size_t i = 0; i < std::min(space, key.size()); ++i)
+        key[i] = static_cast<char>(std::toupper(static_cast<unsigned char>(key[i])));
+    return key;
+}
+
+// The designations of a SAC object: its own, then those of its "other"
+// field ("UGC 174;IC 1539").
+std::vector<std::string> SacDesignations(const BuildSacObject& o)
+{
+    std::vector<std::string> ids{o.designation};
+    std::size_t at = 0;
+    while (at < o.other.size()) {
+        const std::size_t end = std::min(o.other.find(';', at), o.other.size());
+        std::string id = o.other.substr(at, end - at);
+        while (!id.empty() && id.front() == ' ') id.erase(0, 1);
+        while (!id.empty() && id.back() == ' ') id.pop_back();
+        if (!id.empty()) ids.push_back(std::move(id));
+        at = end + 1;
+    }
+    return ids;
+}
+
+std::string SacLabelLines(const std::vector<BuildSacObject>& objects)
+{
+    // A SAC object that is a Messier object is labelled with its Messier
+    // number, as atlases do; the others keep their designation.
+    std::string text = "# Chart labels of SAC objects: designation|label\n";
+    for (const BuildSacObject& o : objects)
+        for (const std::string& id : SacDesignations(o))
+            if (id.size() > 2 && id.rfind("M ", 0) == 0 && id != o.designation) {
+                text += o.designation + deepsky::kNameListSeparator + id + "\n";
+                break;
+            }
+    return text;
+}
+
+std::string SacPopularLines(const std::vector<BuildSacObject>& objects, const std::vector<DsoNameLine>& names)
+{
+    std::unordered_map<std::string, std::vector<const std::string*>> byKey;
+    for (const DsoNameLine& n : names) byKey[n.prefix + " " + n.id].push_back(&n.name);
+    std::string text = "# Popular names of SAC objects: designation|names\n";
+    for (const BuildSacObject& o : objects) {
+        std::string all;
+        for (const std::string& id : SacDesignations(o)) {
+            const auto it = byKey.find(NameKey(id));
+            if (it == byKey.end()) continue;
+            for (const std::string* name : it->second)
+                if (("; " + all + "; ").find("; " + *name + "; ") == std::string::npos)
+                    all += all.empty() ? *name : "; " + *name;
+        }
+        if (!all.empty()) text += o.designation + deepsky::kNameListSeparator + all + "\n";
+    }
+    return text;
+}
+
+}  // namespace
+
+std::vector<OutputFile> WriteSacFiles(std::vector<BuildSacObject> objects, const std::vector<DsoNameLine>& popularNames)
 {
     namespace f = deepsky::sac;
     DeepSkyCatalogue bounds;
@@ -275,6 +355,10 @@ std::vector<OutputFile> WriteSacFiles(std::vector<BuildSacObject> objects)
     files.push_back({std::string(deepsky::kSacDiskName), std::move(bytes)});
     files.push_back({std::string(deepsky::kSacNameDiskName), std::move(w.Data())});
     files.push_back(WriteDeepSkyBounds(bounds, deepsky::kSacBoundsDiskName));
+    const std::string labels = SacLabelLines(objects);
+    files.push_back({std::string(deepsky::kSacLabelDiskName), {labels.begin(), labels.end()}});
+    const std::string popular = SacPopularLines(objects, popularNames);
+    files.push_back({std::string(deepsky::kSacPopularDiskName), {popular.begin(), popular.end()}});
     return files;
 }
 
@@ -286,6 +370,7 @@ std::vector<OutputFile> WriteDeepSkyFiles(const DeepSkyCatalogues& c)
     files.push_back(WriteDeepSkyBounds(c.ngcIc, deepsky::kNgcIcBoundsDiskName));
     files.push_back(WriteLedaRecords(c.leda));
     files.push_back(WriteLedaNames(c.leda));
+    files.push_back(WriteLedaPopularNames(c.leda));
     files.push_back(WriteDeepSkyBounds(c.leda, deepsky::kLedaBoundsDiskName));
     files.push_back(WritePlanetaryRecords(c.planetary));
     files.push_back(WriteDeepSkyBounds(c.planetary, deepsky::kPlanetaryBoundsDiskName));
