@@ -44,6 +44,13 @@ public:
     void DateToFrame(double raDateRad, double decDateRad, double v[3]) const;
     // From an apparent altitude and azimuth (horizon profile, alt-az grid).
     void HorizontalToFrame(double altRad, double azRad, double v[3]) const;
+    // A vector already rotated into the frame by a layer's own matrix (e.g.
+    // constellation boundaries from B1875.0) gets the chart's refraction on
+    // horizontal charts, as every other path above; nothing otherwise.
+    void RefractInFrame(double v[3]) const
+    {
+        if (m_horizontal) Refract(v);
+    }
     // From frame longitude and latitude.
     static void FrameLonLatToVector(double lonRad, double latRad, double v[3]);
 

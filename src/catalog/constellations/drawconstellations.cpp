@@ -182,6 +182,7 @@ void CConstellationLayer::DrawBoundaries(DrawContext& ctx, int onlyConstellation
                     double u[3];
                     SphericalToVector(e.ra1Rad, dec, u);
                     Multiply(m, u, v);
+                    ctx.frame.RefractInFrame(v);
                 },
                 e.dec1Rad, e.dec2Rad, Steps(ctx, e.dec2Rad - e.dec1Rad));
         } else {
@@ -193,6 +194,7 @@ void CConstellationLayer::DrawBoundaries(DrawContext& ctx, int onlyConstellation
                     double u[3];
                     SphericalToVector(ra, e.dec1Rad, u);
                     Multiply(m, u, v);
+                    ctx.frame.RefractInFrame(v);
                 },
                 e.ra1Rad, e.ra1Rad + span, Steps(ctx, span * std::cos(e.dec1Rad)));
         }
