@@ -328,7 +328,13 @@ GridLines TraceGrid(const DrawContext& ctx, GridKind kind, const CGridData& data
     return out;
 }
 
-void StrokeGrid(DrawContext& ctx, GridKind kind, const GridLines& grid, int state)
+// Which of a grid's lines a stroke draws: the horizon grid lays its lines
+// under everything in its first pass and its heavier fundamental line (the
+// horizon) over the equatorial grid in its second, so that no line is
+// stroked twice.
+enum class GridStroke { All, Regular, Fundamental };
+
+void StrokeGrid(DrawContext& ctx, GridKind kind, const GridLines& grid, int state, GridStroke which = GridStroke::All)
 {
     QPainter& p = ctx.painter;
     const int k = static_cast<int>(kind);
@@ -341,6 +347,8 @@ void StrokeGrid(DrawContext& ctx, GridKind kind, const GridLines& grid, int stat
     p.setBrush(Qt::NoBrush);
     p.setRenderHint(QPainter::Antialiasing, true);
     for (const GridLines::Line& line : grid.lines) {
+        if ((which == GridStroke::Regular && line.fundamental) || (which == GridStroke::Fundamental && !line.fundamental))
+            continue;
         p.setPen(line.fundamental ? fundamental : pen);
         StrokePolylines(p, line.curve);
     }
@@ -497,15 +505,17 @@ void DrawAltAzGridFirstPass(DrawContext& ctx, std::shared_ptr<GridLines>& traced
     const int state = ctx.view.altAzGrid.state;
     if (state <= 0) return;
     traced = std::make_shared<GridLines>(TraceGrid(ctx, GridKind::AltAz, ctx.doc.altAzGrid));
-    StrokeGrid(ctx, GridKind::AltAz, *traced, state);
+    StrokeGrid(ctx, GridKind::AltAz, *traced, state, GridStroke::Regular);
 }
 
 void DrawAltAzGridSecondPass(DrawContext& ctx, std::shared_ptr<GridLines>& traced)
 {
     const int state = ctx.view.altAzGrid.state;
     if (state <= 0) return;
+    // Without a first pass (a layer drawn on its own) every line is drawn here.
+    const GridStroke which = traced ? GridStroke::Fundamental : GridStroke::All;
     if (!traced) traced = std::make_shared<GridLines>(TraceGrid(ctx, GridKind::AltAz, ctx.doc.altAzGrid));
-    StrokeGrid(ctx, GridKind::AltAz, *traced, state);
+    StrokeGrid(ctx, GridKind::AltAz, *traced, state, which);
     if (ctx.doc.altAzGrid.labelVisible != 0) LabelGrid(ctx, *traced);
     traced.reset();
 }
