@@ -90,10 +90,13 @@ CConfigDeepSkyNamesPage::CConfigDeepSkyNamesPage(CDeepSkySettings& s, QWidget* p
     connect(filter, &QLineEdit::textChanged, this, [&s](const QString& text) { s.nameFilter = text.toStdString(); });
     filterForm->addRow(tr("Name filter:"), filter);
     layout->addLayout(filterForm);
-    auto* prefixes = new QPushButton(tr("Catalogue &Prefixes..."), this);
-    connect(prefixes, &QPushButton::clicked, this, [this] {
+    // One catalogue's objects only: the filter becomes that catalogue's
+    // prefix followed by any number ("M *" shows the Messier objects).
+    auto* prefixes = new QPushButton(tr("Only One &Catalogue..."), this);
+    connect(prefixes, &QPushButton::clicked, this, [this, filter] {
         CDeepSkyNameCatalogDlg dialog(LoadCatalogPrefixes(), this);
-        dialog.exec();
+        if (dialog.exec() != QDialog::Accepted) return;
+        if (const auto prefix = dialog.Prefix()) filter->setText(QString::fromStdString(WithCatalogPrefix(*prefix, "*")));
     });
     layout->addWidget(prefixes, 0, Qt::AlignLeft);
     layout->addStretch(1);

@@ -158,6 +158,7 @@ bool CDeepSkyFilter::NamePasses(const DeepSkyTexts& t) const
     if (m_nameFilter.empty()) return true;
     return NameFilterMatches(m_nameFilter, t.designation) ||
            (!t.messier.empty() && NameFilterMatches(m_nameFilter, t.messier)) ||
+           (!t.caldwell.empty() && NameFilterMatches(m_nameFilter, t.caldwell)) ||
            (!t.names.empty() && NameFilterMatches(m_nameFilter, t.CommonName()));
 }
 

@@ -161,6 +161,27 @@ TEST(DeepSkyNames, NameFilterPatterns)
     EXPECT_TRUE(NameFilterMatches(" ; ", "anything"));
 }
 
+TEST(DeepSkyNames, OneCatalogueFilterKeepsThatCataloguesObjects)
+{
+    // The filter the "only one catalogue" choice writes: the prefix and any
+    // number. M 42 is NGC 1976; C 14 is filed as NGC 869.
+    CDeepSkySettings settings;
+    DeepSkyLevelState level;
+    DeepSkyTexts m42, c14, ngc7000;
+    m42.designation = "NGC 1976";
+    m42.messier = "M 42";
+    c14.designation = "NGC 869";
+    c14.caldwell = "C 14";
+    ngc7000.designation = "NGC 7000";
+    settings.nameFilter = WithCatalogPrefix("M", "*");
+    EXPECT_TRUE(CDeepSkyFilter(settings, level).NamePasses(m42));
+    EXPECT_FALSE(CDeepSkyFilter(settings, level).NamePasses(ngc7000));
+    settings.nameFilter = WithCatalogPrefix("C", "*");
+    EXPECT_TRUE(CDeepSkyFilter(settings, level).NamePasses(c14));
+    EXPECT_FALSE(CDeepSkyFilter(settings, level).NamePasses(m42));
+    EXPECT_EQ(WithCatalogPrefix("PN G", "*"), "PN G*");
+}
+
 TEST(DeepSkyReader, NameLinesOfStellariumData)
 {
     // Lines copied from stellarium-data's nebulae/default/names.dat.
