@@ -5,6 +5,7 @@ set -euo pipefail
 
 packages=(
   build-essential cmake ninja-build pkg-config git xz-utils ca-certificates
+  clang libclang-rt-14-dev
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev
   libfreeimage-dev liberfa-dev zlib1g-dev
   libgtest-dev libgmock-dev libbenchmark-dev

@@ -1,0 +1,39 @@
+// The star catalogue's files as a data folder may hold them, damaged or
+// foreign: the records, the region tables, the identifier index and the
+// name table written to a scratch data folder and opened the way the
+// program opens them; when accepted, regions are looked up and every
+// region's records read, and the indexes searched.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <vector>
+
+#include "catalog/stars/tycho2catalogue.h"
+#include "catalog/stars/tycho2format.h"
+#include "fuzzsupport.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace orv;
+    static const bool pointed = [] { return ::setenv("ORVANE_DATA", fuzz::ScratchFolder().c_str(), 1) == 0; }();
+    (void)pointed;
+    const auto parts = fuzz::Split(data, size, 5);
+    fuzz::WriteScratch(tycho2::kCatalogueDiskName, parts[0]);
+    fuzz::WriteScratch(tycho2::kRegionStartDiskName, parts[1]);
+    fuzz::WriteScratch(tycho2::kRegionBoundsDiskName, parts[2]);
+    fuzz::WriteScratch(tycho2::kTychoIdDiskName, parts[3]);
+    fuzz::WriteScratch(tycho2::kProperNameDiskName, parts[4]);
+    CTycho2Catalogue cat;
+    if (!cat.OpenCatalogue()) return 0;
+    std::vector<int> regions;
+    cat.FindRegions(SkyBox{0.0, 6.2831853, -1.5707963, 1.5707963}, regions);
+    // The chart's walk: records straight from the mapping, region by region,
+    // trusting the region table that opening checked.
+    for (const int r : regions)
+        for (std::uint32_t i = cat.RegionStart(r); i < cat.RegionEnd(r) && i < cat.RegionStart(r) + 64; ++i)
+            DecodeStarRecord(cat.Record(i));
+    cat.FindByTychoId(1, 1, 1);
+    cat.FindByTychoId(4774, 1, 1);
+    for (std::size_t i = 0; i < cat.ProperNameCount() && i < 64; ++i) cat.ProperNameAt(i);
+    return 0;
+}
