@@ -5,11 +5,28 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <string>
 
 namespace orv {
+
+namespace {
+
+AtomicWriteFaultHook g_faultHook = nullptr;
+
+void Checkpoint(AtomicWriteStep step)
+{
+    if (g_faultHook) g_faultHook(step);
+}
+
+// Writes are cut into blocks so that a test can stop a save between them.
+constexpr std::size_t kBlockBytes = 64 * 1024;
+
+}  // namespace
+
+void SetAtomicWriteFaultHook(AtomicWriteFaultHook hook) { g_faultHook = hook; }
 
 CAtomicFileWriter::~CAtomicFileWriter() { Discard(); }
 
@@ -46,6 +63,7 @@ bool CAtomicFileWriter::Open(const std::string& path)
         ::umask(mask);
         ::fchmod(m_fd, 0666 & ~mask);
     }
+    Checkpoint(AtomicWriteStep::Opened);
     return true;
 }
 
@@ -55,13 +73,14 @@ bool CAtomicFileWriter::Write(std::span<const std::uint8_t> bytes)
     const std::uint8_t* p = bytes.data();
     std::size_t left = bytes.size();
     while (left > 0) {
-        const ssize_t n = ::write(m_fd, p, left);
+        const ssize_t n = ::write(m_fd, p, std::min(left, kBlockBytes));
         if (n < 0) {
             if (errno == EINTR) continue;
             return Fail();
         }
         p += n;
         left -= static_cast<std::size_t>(n);
+        Checkpoint(AtomicWriteStep::BlockWritten);
     }
     return true;
 }
@@ -69,12 +88,22 @@ bool CAtomicFileWriter::Write(std::span<const std::uint8_t> bytes)
 bool CAtomicFileWriter::Commit()
 {
     if (m_fd < 0) return false;
+    Checkpoint(AtomicWriteStep::Flushing);
     if (::fsync(m_fd) != 0) return Fail();
     const int fd = m_fd;
     m_fd = -1;
     if (::close(fd) != 0) return Fail();
+    Checkpoint(AtomicWriteStep::Renaming);
     if (::rename(m_temp.c_str(), m_target.c_str()) != 0) return Fail();
     m_temp.clear();
+    // The rename itself reaches the disk with the folder's entry.
+    std::filesystem::path dir = std::filesystem::path(m_target).parent_path();
+    if (dir.empty()) dir = ".";
+    if (const int dirFd = ::open(dir.c_str(), O_RDONLY | O_DIRECTORY); dirFd >= 0) {
+        ::fsync(dirFd);
+        ::close(dirFd);
+    }
+    Checkpoint(AtomicWriteStep::Renamed);
     return true;
 }
 

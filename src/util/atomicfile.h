@@ -49,4 +49,12 @@ struct AtomicWriteResult {
 
 AtomicWriteResult WriteFileAtomically(const std::string& path, std::span<const std::uint8_t> bytes);
 
+// The points of a save at which a process may die: the temporary file made,
+// each block of at most 64 KiB written, the flush, the rename, and after it.
+enum class AtomicWriteStep { Opened, BlockWritten, Flushing, Renaming, Renamed };
+// For the tests that kill a writer part-way: called at every step of every
+// save of this process (nullptr, the default, for none).
+using AtomicWriteFaultHook = void (*)(AtomicWriteStep step);
+void SetAtomicWriteFaultHook(AtomicWriteFaultHook hook);
+
 }  // namespace orv

@@ -10,6 +10,7 @@
 #include "map/mapfile.h"
 #include "map/mapview.h"
 #include "support/compare.h"
+#include "support/killedsave.h"
 #include "util/angles.h"
 #include "util/binaryio.h"
 #include "util/settingsstore.h"
@@ -381,4 +382,25 @@ TEST(MapFile, TitleFromPath)
     EXPECT_EQ(MapTitleFromPath("C:\\Maps\\Orion.ovm"), "Orion");
     EXPECT_EQ(MapTitleFromPath("/home/a/M 31.region.ovm"), "M 31.region");
     EXPECT_EQ(MapTitleFromPath("plain"), "plain");
+}
+
+TEST(MapFile, ASaveKilledAtAnyPointLeavesTheMapTheObserverHad)
+{
+    // The observer's map of Orion is open and saved; the new save (centred
+    // elsewhere) is killed at every step in turn.
+    const fs::path dir = orv::test::MakeTempDir();
+    const fs::path path = dir / "Orion.ovm";
+    Map previous;
+    previous.view.coordinates.SetCentreRaDec(previous.doc.observer, 1.46, -0.02);
+    ASSERT_TRUE(SaveMapFile(previous.view, path.string(), SaveTarget::DocumentPath).Ok());
+    const std::vector<std::uint8_t> before = ReadAll(path);
+    Map changed;
+    changed.view.coordinates.SetCentreRaDec(changed.doc.observer, 3.0, 0.5);
+    const int points = orv::test::KillSaveAtEveryStep(path, std::string(before.begin(), before.end()), [&] {
+        return SaveMapFile(changed.view, path.string(), SaveTarget::DocumentPath).Ok();
+    });
+    EXPECT_GE(points, 5);
+    // The file left by the last, finished save opens.
+    Map reopened;
+    EXPECT_TRUE(LoadMapFile(path.string(), reopened.view).Ok());
 }
