@@ -126,7 +126,7 @@ std::size_t GatherChartStars(const CTycho2Catalogue& catalogue, const CChartFram
         e.decJ2000Rad = dec;
         if (flags & flag::kProperName) {
             const std::string_view name = catalogue.ProperName(e.TychoId());
-            std::memcpy(e.properName, name.data(), std::min(name.size(), sizeof e.properName - 1));
+            if (!name.empty()) std::memcpy(e.properName, name.data(), std::min(name.size(), sizeof e.properName - 1));
         }
         chart.stars.push_back(e);
         ++added;

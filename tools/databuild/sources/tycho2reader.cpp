@@ -46,7 +46,8 @@ bool ParseHip(std::string_view hipField, std::string_view ccdmField, BuildStar& 
     star.hip = static_cast<std::uint32_t>(hip);
     const std::string_view ccdm = Trim(ccdmField);
     std::memset(star.ccdm, 0, sizeof star.ccdm);
-    std::memcpy(star.ccdm, ccdm.data(), std::min<std::size_t>(ccdm.size(), 3));
+    // An empty field may have no storage at all (a line cut short).
+    if (!ccdm.empty()) std::memcpy(star.ccdm, ccdm.data(), std::min<std::size_t>(ccdm.size(), 3));
     return true;
 }
 
