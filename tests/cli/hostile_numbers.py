@@ -1,0 +1,79 @@
+#!/usr/bin/env python3
+"""Every command of orvane-cli given hostile numbers: NaN, infinities, the
+largest doubles and negative values in each of its numeric options, one at
+a time, on top of an otherwise valid command line. Each run must end within
+the time limit with a normal exit status (0, 1 or 2) — never a signal, a
+sanitizer report or a hang — because no loop may run on a number it has not
+first checked.
+
+    hostile_numbers.py ORVANE_CLI WORK_DIR TLE_FILE
+"""
+import os
+import subprocess
+import sys
+
+VALUES = ["nan", "inf", "-inf", "1e308", "-1e308", "-1", "1e9"]
+TIME_LIMIT_S = 120
+
+
+def cases(work, tle):
+    png = os.path.join(work, "hostile.png")
+    ovm = os.path.join(work, "hostile.ovm")
+    site = ["--lat", "--lon", "--height", "--zone", "--jd"]
+    return [
+        (["time"], ["--jd", "--longitude", "--zone"]),
+        (["precess", "--ra", "5", "--dec", "10", "--apparent"], ["--ra", "--dec", "--from", "--to"] + site),
+        (["planet", "Mars"], site),
+        (["planet", "Moon", "--topocentric"], site),
+        (["find", "Sirius"], site),
+        (["stars", "--ra", "5", "--dec", "0"], ["--ra", "--dec", "--radius", "--limit", "--jd"]),
+        (["dsos", "--ra", "12.5", "--dec", "12"], ["--ra", "--dec", "--radius", "--limit"]),
+        (["constellation", "--ra", "5", "--dec", "0"], ["--ra", "--dec"]),
+        (["satellite", "--tle", tle, "--sat", "25544"], site),
+        (["groundtrack", "--tle", tle, "--sat", "25544", "--yes"], ["--length", "--step", "--jd"]),
+        (["passes", "--tle", tle, "--sat", "25544", "--days", "1", "--yes"],
+         ["--days", "--min-alt", "--interval", "--lat", "--lon", "--height"]),
+        (["render", "--out", png, "--width", "160", "--height", "90"],
+         ["--width", "--height", "--dpi", "--rotate", "--field", "--level", "--ra", "--dec", "--alt", "--az",
+          "--quality", "--jd", "--lat"]),
+        (["map", "new", "--out", ovm], ["--ra", "--dec", "--alt", "--az", "--field", "--level", "--jd", "--lat"]),
+    ]
+
+
+def with_value(base, option, value):
+    args = list(base)
+    if option in args:
+        args[args.index(option) + 1] = value
+    else:
+        args += [option, value]
+    return args
+
+
+def main():
+    cli, work, tle = sys.argv[1], sys.argv[2], sys.argv[3]
+    os.makedirs(work, exist_ok=True)
+    settings = ["--settings", os.path.join(work, "hostile.ini")]
+    failures = []
+    runs = 0
+    for base, options in cases(work, tle):
+        for option in options:
+            for value in VALUES:
+                args = [cli] + with_value(base, option, value) + settings
+                runs += 1
+                try:
+                    done = subprocess.run(args, capture_output=True, text=True, timeout=TIME_LIMIT_S,
+                                          env=dict(os.environ, QT_QPA_PLATFORM="offscreen"))
+                except subprocess.TimeoutExpired:
+                    failures.append("%s: no answer within %d s" % (" ".join(args[1:]), TIME_LIMIT_S))
+                    continue
+                report = done.stderr
+                if done.returncode not in (0, 1, 2) or "runtime error" in report or "Sanitizer" in report:
+                    failures.append("%s: exit %d\n%s" % (" ".join(args[1:]), done.returncode, report[-2000:]))
+    print("%d runs, %d failures" % (runs, len(failures)))
+    for f in failures:
+        print("FAIL " + f)
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
