@@ -1,5 +1,7 @@
+#include "util/dataproblems.h"
 #include "app/mapwindow.h"
 
+#include <QTimer>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QContextMenuEvent>
@@ -255,6 +257,13 @@ void CMapWindow::RenderBacking()
     m_backingOffset = QPointF();
     m_redrawPending = false;
     ++m_redrawCount;
+    // A catalogue opened for this chart found a damaged file and left it
+    // out: tell the user once, after the paint.
+    const std::string problems = DataFileProblemsText(TakeDataFileProblems());
+    if (!problems.empty())
+        QTimer::singleShot(0, this, [this, problems] {
+            QMessageBox::warning(this, tr("Data files"), QString::fromStdString(problems));
+        });
 }
 
 void CMapWindow::paintEvent(QPaintEvent*)

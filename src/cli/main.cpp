@@ -15,6 +15,7 @@
 #include "app/qtsettingsstore.h"
 #include "cli/cli.h"
 #include "util/datapath.h"
+#include "util/dataproblems.h"
 
 namespace orv::cli {
 
@@ -148,5 +149,9 @@ int main(int argc, char** argv)
     if (auto configured = settings.ReadString("Paths", "Data")) orv::SetConfiguredDataPath(*configured);
     orv::cli::Context ctx{std::move(args), false, settings, std::cout, std::cerr};
     ctx.json = ctx.args.Has("json");
-    return command->run(ctx);
+    const int rc = command->run(ctx);
+    // Damaged data files were left out of the answer: say which.
+    const std::string problems = orv::DataFileProblemsText(orv::TakeDataFileProblems());
+    if (!problems.empty()) std::cerr << "orvane-cli: warning: " << problems << '\n';
+    return rc;
 }

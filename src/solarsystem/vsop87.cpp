@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "util/dataproblems.h"
 #include "util/binaryio.h"
 #include "util/datapath.h"
 
@@ -21,7 +22,10 @@ Vsop87Status CVsop87D::Open()
     std::string termPath;
     if (!LocateDataFile("Data\\VSOP87.idx", indexPath) || !LocateDataFile("Data\\VSOP87.dat", termPath))
         return Vsop87Status::Missing;
-    return OpenFiles(indexPath, termPath);
+    const Vsop87Status status = OpenFiles(indexPath, termPath);
+    if (status == Vsop87Status::Damaged)
+        ReportDataFileProblem(indexPath, "it does not agree with " + termPath + " (a file cut short or of another layout)");
+    return status;
 }
 
 Vsop87Status CVsop87D::OpenFiles(const std::string& indexPath, const std::string& termPath)

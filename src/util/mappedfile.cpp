@@ -14,7 +14,8 @@ CMappedFile::~CMappedFile() { Close(); }
 CMappedFile::CMappedFile(CMappedFile&& other) noexcept
     : m_data(std::exchange(other.m_data, nullptr)),
       m_size(std::exchange(other.m_size, 0)),
-      m_open(std::exchange(other.m_open, false))
+      m_open(std::exchange(other.m_open, false)),
+      m_path(std::exchange(other.m_path, {}))
 {
 }
 
@@ -25,6 +26,7 @@ CMappedFile& CMappedFile::operator=(CMappedFile&& other) noexcept
         m_data = std::exchange(other.m_data, nullptr);
         m_size = std::exchange(other.m_size, 0);
         m_open = std::exchange(other.m_open, false);
+        m_path = std::exchange(other.m_path, {});
     }
     return *this;
 }
@@ -53,6 +55,7 @@ bool CMappedFile::Open(const std::string& path)
     m_data = static_cast<const std::uint8_t*>(p);
     m_size = size;
     m_open = true;
+    m_path = path;
     return true;
 }
 
@@ -62,6 +65,7 @@ void CMappedFile::Close()
     m_data = nullptr;
     m_size = 0;
     m_open = false;
+    m_path.clear();
 }
 
 }  // namespace orv

@@ -30,11 +30,14 @@ public:
     const std::uint8_t* Data() const { return m_data; }
     std::size_t Size() const { return m_size; }
     std::span<const std::uint8_t> Bytes() const { return {m_data, m_size}; }
+    // The path it was opened from (for messages about the file).
+    const std::string& Path() const { return m_path; }
 
 private:
     const std::uint8_t* m_data = nullptr;
     std::size_t m_size = 0;
     bool m_open = false;
+    std::string m_path;
 };
 
 }  // namespace orv

@@ -8,6 +8,7 @@
 #include "util/angles.h"
 #include "util/binaryio.h"
 #include "util/datapath.h"
+#include "util/dataproblems.h"
 #include "util/mappedfile.h"
 
 namespace orv {
@@ -154,6 +155,18 @@ ConstFileStatus CConstellationCatalogue::Map(std::string_view name, CMappedFile&
     return ConstFileStatus::Ok;
 }
 
+namespace {
+
+// A file that is there but does not decode is left out and reported.
+void ReportIfDamaged(ConstFileStatus status, const CMappedFile& file, std::string_view what)
+{
+    if (status == ConstFileStatus::Damaged)
+        ReportDataFileProblem(file.Path(), "its " + std::string(what) + " do not decode (" +
+                                               std::to_string(file.Size()) + " bytes)");
+}
+
+}  // namespace
+
 bool CConstellationCatalogue::LoadFigures()
 {
     if (m_figuresLoaded) return !m_figures.empty();
@@ -161,7 +174,7 @@ bool CConstellationCatalogue::LoadFigures()
     CMappedFile f;
     if (Map("star\\Tycho2\\ConstFig.dat", f) != ConstFileStatus::Ok) return false;
     ++m_figureReads;
-    DecodeFigures(f.Bytes(), m_figures);
+    ReportIfDamaged(DecodeFigures(f.Bytes(), m_figures), f, "figure records");
     return !m_figures.empty();
 }
 
@@ -170,7 +183,8 @@ bool CConstellationCatalogue::LoadNamePlaces()
     if (m_placesLoaded) return !m_namePlaces.empty();
     m_placesLoaded = true;
     CMappedFile f;
-    if (Map("data\\conname.dat", f) == ConstFileStatus::Ok) DecodeNamePlaces(f.Bytes(), m_namePlaces);
+    if (Map("data\\conname.dat", f) == ConstFileStatus::Ok)
+        ReportIfDamaged(DecodeNamePlaces(f.Bytes(), m_namePlaces), f, "name positions");
     return !m_namePlaces.empty();
 }
 
@@ -179,7 +193,8 @@ bool CConstellationCatalogue::LoadNames()
     if (m_namesLoaded) return !m_names.empty();
     m_namesLoaded = true;
     CMappedFile f;
-    if (Map("data\\constnam.dat", f) == ConstFileStatus::Ok) DecodeNames(f.Bytes(), m_names);
+    if (Map("data\\constnam.dat", f) == ConstFileStatus::Ok)
+        ReportIfDamaged(DecodeNames(f.Bytes(), m_names), f, "names");
     return !m_names.empty();
 }
 
@@ -188,7 +203,8 @@ bool CConstellationCatalogue::LoadBoundaries()
     if (m_boundsLoaded) return !m_strips.empty();
     m_boundsLoaded = true;
     CMappedFile f;
-    if (Map("data\\conbound.dat", f) == ConstFileStatus::Ok) DecodeBoundaries(f.Bytes(), m_strips, m_edges);
+    if (Map("data\\conbound.dat", f) == ConstFileStatus::Ok)
+        ReportIfDamaged(DecodeBoundaries(f.Bytes(), m_strips, m_edges), f, "strips and edges");
     return !m_strips.empty();
 }
 

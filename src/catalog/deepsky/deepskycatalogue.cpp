@@ -10,6 +10,7 @@
 #include "util/angles.h"
 #include "util/binaryio.h"
 #include "util/datapath.h"
+#include "util/dataproblems.h"
 
 namespace orv {
 
@@ -71,6 +72,21 @@ bool CDeepSkyCatalogues::OpenWith(const Locator& locate)
         std::string records, bounds, names;
         if (!locate(spec.records, records) || !locate(spec.bounds, bounds)) continue;
         if (!f.records.Open(records) || !f.bounds.Open(bounds)) {
+            f = FileSet{};
+            continue;
+        }
+        // A file cut short or of another layout is left out, and said so.
+        const std::size_t regions = static_cast<std::size_t>(deepsky::RegionCount());
+        if (f.records.Size() % spec.recordSize != 0) {
+            ReportDataFileProblem(records, "its size, " + std::to_string(f.records.Size()) +
+                                               " bytes, is not a whole number of " + std::to_string(spec.recordSize) +
+                                               "-byte records");
+            f = FileSet{};
+            continue;
+        }
+        if (f.bounds.Size() != regions * deepsky::kBoundsEntrySize) {
+            ReportDataFileProblem(bounds, "it holds " + std::to_string(f.bounds.Size()) + " bytes instead of " +
+                                              std::to_string(regions * deepsky::kBoundsEntrySize));
             f = FileSet{};
             continue;
         }

@@ -11,6 +11,7 @@
 #include "observer/observer.h"
 #include "util/binaryio.h"
 #include "util/datapath.h"
+#include "util/dataproblems.h"
 #include "util/sortedindex.h"
 
 namespace orv {
@@ -110,18 +111,46 @@ void StarPositionAt(const std::uint8_t* r, double years, double& raRad, double& 
 
 // ----- Open and close ----------------------------------------------------------
 
+namespace {
+
+// A file that is there but cannot be used is reported by its path.
+void Refuse(std::string_view name, const std::string& reason)
+{
+    std::string path;
+    if (LocateDataFile(name, path)) ReportDataFileProblem(path, reason);
+}
+
+std::string SizeReason(std::size_t size, std::size_t expected)
+{
+    return "it holds " + std::to_string(size) + " bytes instead of " + std::to_string(expected);
+}
+
+}  // namespace
+
 bool CTycho2Catalogue::LoadTables()
 {
     if (!m_regionStart.empty()) return true;
     std::vector<std::uint8_t> start, bounds;
-    if (!ReadWhole(kRegionStartFile, start) || start.size() != kRegionStartFileSize) return false;
-    if (!ReadWhole(kRegionBoundsFile, bounds) || bounds.size() != kRegionBoundsFileSize) return false;
+    if (!ReadWhole(kRegionStartFile, start)) return false;
+    if (start.size() != kRegionStartFileSize) {
+        Refuse(kRegionStartFile, SizeReason(start.size(), kRegionStartFileSize));
+        return false;
+    }
+    if (!ReadWhole(kRegionBoundsFile, bounds)) return false;
+    if (bounds.size() != kRegionBoundsFileSize) {
+        Refuse(kRegionBoundsFile, SizeReason(bounds.size(), kRegionBoundsFileSize));
+        return false;
+    }
     std::vector<std::uint32_t> regionStart(kRegionCount + 1);
     std::vector<std::int16_t> brightest(kRegionCount);
     for (int r = 0; r <= kRegionCount; ++r) {
         regionStart[r] = LoadLE<std::uint32_t>(start.data() + r * kRegionStartEntrySize);
         if (r < kRegionCount) brightest[r] = LoadLE<std::int16_t>(start.data() + r * kRegionStartEntrySize + 4);
-        if (r > 0 && regionStart[r] < regionStart[r - 1]) return false;  // damaged: starts must not decrease
+        if (r > 0 && regionStart[r] < regionStart[r - 1]) {
+            Refuse(kRegionStartFile, "the start of region " + std::to_string(r + 1) + " lies before that of region " +
+                                         std::to_string(r));
+            return false;
+        }
     }
     std::vector<std::int32_t> b(4 * kRegionCount);
     for (std::size_t i = 0; i < b.size(); ++i) b[i] = LoadLE<std::int32_t>(bounds.data() + i * 4);
@@ -148,8 +177,13 @@ bool CTycho2Catalogue::OpenCatalogue()
         return false;
     }
     std::string path;
-    if (!LocateDataFile(kCatalogueFile, path) || !m_file.Open(path) || m_file.Size() % kRecordSize != 0 ||
-        m_file.Size() == 0) {
+    if (!LocateDataFile(kCatalogueFile, path) || !m_file.Open(path)) {
+        CloseCatalogue();
+        return false;
+    }
+    if (m_file.Size() % kRecordSize != 0 || m_file.Size() == 0) {
+        ReportDataFileProblem(path, "its size, " + std::to_string(m_file.Size()) + " bytes, is not a whole number of " +
+                                        std::to_string(kRecordSize) + "-byte star records");
         CloseCatalogue();
         return false;
     }
@@ -157,6 +191,8 @@ bool CTycho2Catalogue::OpenCatalogue()
     m_recordCount = m_file.Size() / kRecordSize;
     // Every region must lie inside the mapped file: the walk relies on it.
     if (m_regionStart.back() > m_recordCount) {
+        ReportDataFileProblem(path, "it holds " + std::to_string(m_recordCount) + " stars, the region table " +
+                                        std::to_string(m_regionStart.back()) + " (a file cut short?)");
         CloseCatalogue();
         return false;
     }

@@ -16,6 +16,7 @@
 #include "sources/sacreader.h"
 #include "sources/stellariumdsoreader.h"
 #include "support/compare.h"
+#include "util/dataproblems.h"
 #include "writers/deepsky.h"
 
 using namespace orv;
@@ -409,10 +410,11 @@ TEST_F(MiniatureCatalogue, IdentifyReadout)
     EXPECT_EQ(d.find("PA:"), std::string::npos) << d;
 }
 
-TEST_F(MiniatureCatalogue, DamagedFilesAreReadWithinTheirLength)
+TEST_F(MiniatureCatalogue, ACatalogueCutShortIsLeftOutAndReported)
 {
-    // A record file cut in the middle of its last record: that record is
-    // not read, the others are.
+    // A record file cut in the middle of its last record (an interrupted
+    // copy): that catalogue is refused, named in the report, and the
+    // others still open.
     const std::string cut = test::MakeTempDir();
     for (const auto& entry : std::filesystem::recursive_directory_iterator(s_folder)) {
         const auto rel = std::filesystem::relative(entry.path(), s_folder);
@@ -424,14 +426,21 @@ TEST_F(MiniatureCatalogue, DamagedFilesAreReadWithinTheirLength)
     }
     const auto ngc = std::filesystem::path(cut) / "deepsky/ngcic/ngcic.dat";
     std::filesystem::resize_file(ngc, std::filesystem::file_size(ngc) - 100);
+    TakeDataFileProblems();
     CDeepSkyCatalogues c;
     ASSERT_TRUE(c.OpenFolder(cut));
-    EXPECT_EQ(c.Count(DeepSkyCatalogueId::NgcIc), 6u);
+    EXPECT_FALSE(c.IsOpen(DeepSkyCatalogueId::NgcIc));
+    EXPECT_EQ(c.Count(DeepSkyCatalogueId::NgcIc), 0u);
     DeepSkyObject o;
-    EXPECT_FALSE(c.Object(DeepSkyCatalogueId::NgcIc, 6, o));
+    EXPECT_FALSE(c.Object(DeepSkyCatalogueId::NgcIc, 0, o));
     std::vector<DeepSkyObject> all;
     c.Gather(DeepSkyCatalogueId::NgcIc, 0.0, 0.0, kPi, all);
-    EXPECT_LE(all.size(), 6u);
+    EXPECT_TRUE(all.empty());
+    EXPECT_TRUE(c.IsOpen(DeepSkyCatalogueId::Leda));
+    const auto problems = TakeDataFileProblems();
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_TRUE(problems[0].path.ends_with("ngcic.dat")) << problems[0].path;
+    EXPECT_NE(problems[0].reason.find("226-byte records"), std::string::npos) << problems[0].reason;
 }
 
 TEST(DeepSkyNames, CatalogPrefixesForABareNumber)

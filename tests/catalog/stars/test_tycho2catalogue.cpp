@@ -18,6 +18,7 @@
 #include "map/coordinates.h"
 #include "observer/observer.h"
 #include "support/compare.h"
+#include "util/dataproblems.h"
 #include "util/binaryio.h"
 #include "util/datapath.h"
 
@@ -139,6 +140,12 @@ TEST_F(SmallCatalogue, DamagedFilesLeaveTheCatalogueClosed)
 {
     const auto records = Read("star/Tycho2/Tycho2.dat");
     const auto regions = Read("star/Tycho2/t2region.idx");
+    TakeDataFileProblems();
+    // Each refusal is reported once, naming the file.
+    auto reported = [](std::string_view file) {
+        const auto problems = TakeDataFileProblems();
+        return problems.size() == 1 && problems[0].path.ends_with(file) && !problems[0].reason.empty();
+    };
     {
         // A record cut short.
         Write("star/Tycho2/Tycho2.dat", {records.begin(), records.end() - 1});
@@ -146,12 +153,14 @@ TEST_F(SmallCatalogue, DamagedFilesLeaveTheCatalogueClosed)
         EXPECT_FALSE(cat.OpenCatalogue());
         EXPECT_FALSE(cat.IsOpen());
         EXPECT_EQ(Mags(cat, {0, 1}, 2000).size(), 0u);
+        EXPECT_TRUE(reported("Tycho2.dat"));
     }
     {
         // Regions reaching past the end of the file (the file lost its last records).
         Write("star/Tycho2/Tycho2.dat", {records.begin(), records.end() - tycho2::kRecordSize});
         CTycho2Catalogue cat;
         EXPECT_FALSE(cat.OpenCatalogue());
+        EXPECT_TRUE(reported("Tycho2.dat"));
     }
     Write("star/Tycho2/Tycho2.dat", records);
     {
@@ -159,14 +168,17 @@ TEST_F(SmallCatalogue, DamagedFilesLeaveTheCatalogueClosed)
         Write("star/Tycho2/t2region.idx", {regions.begin(), regions.end() - 6});
         CTycho2Catalogue cat;
         EXPECT_FALSE(cat.OpenCatalogue());
+        EXPECT_TRUE(reported("t2region.idx"));
         auto bad = regions;
         StoreLE<std::uint32_t>(bad.data() + 6 * 5, 7);
         Write("star/Tycho2/t2region.idx", bad);
         EXPECT_FALSE(cat.OpenCatalogue());
+        EXPECT_TRUE(reported("t2region.idx"));
     }
     Write("star/Tycho2/t2region.idx", regions);
     CTycho2Catalogue cat;
     EXPECT_TRUE(cat.OpenCatalogue());
+    EXPECT_TRUE(TakeDataFileProblems().empty()) << "a sound catalogue is no problem";
 }
 
 TEST_F(SmallCatalogue, MissingFilesAreSilentlyAbsent)
