@@ -169,6 +169,10 @@ PositionStatus CPlanets::HeliocentricPosition(const CObserverDoc& observer, int 
         if (j2000) *j2000 = {v[0], v[1], v[2]};
         return PositionStatus::Ok;
     }
+    // The place of date is formed in VSOP87D's own frame (IAU 1976
+    // precession and obliquity, see vsop87.h), so that the compact
+    // ephemeris and VSOP87 give the same longitudes on either side of the
+    // span's ends.
     if (ofDate) *ofDate = J2000ToEclipticOfDate(v, jdTT);
     if (j2000) *j2000 = {v[0], v[1], v[2]};
     return PositionStatus::Ok;
