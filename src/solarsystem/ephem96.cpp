@@ -131,14 +131,26 @@ void CEphem96::Evaluate(int body, double jdTT, double xyzAU[3]) const
     }
 }
 
-const CEphem96& SharedEphem96()
+namespace {
+
+CEphem96& SharedInstance()
 {
-    static const CEphem96& ephem = [] () -> const CEphem96& {
-        static CEphem96 e;
-        e.Open();
-        return e;
-    }();
+    static CEphem96 ephem;
     return ephem;
 }
+
+}  // namespace
+
+const CEphem96& SharedEphem96()
+{
+    static const bool opened = [] {
+        SharedInstance().Open();
+        return true;
+    }();
+    (void)opened;
+    return SharedInstance();
+}
+
+void ReleaseSharedEphem96() { SharedInstance().Release(); }
 
 }  // namespace orv

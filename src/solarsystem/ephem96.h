@@ -80,8 +80,10 @@ private:
     bool m_open = false;
 };
 
-// The process's compact ephemeris, opened on first use and kept for the life
-// of the process.
+// The process's compact ephemeris, opened on first use and kept until
+// ReleaseSharedEphem96 (at shutdown); once released, every date goes to
+// VSOP87 and the Pluto series.
 const CEphem96& SharedEphem96();
+void ReleaseSharedEphem96();
 
 }  // namespace orv
