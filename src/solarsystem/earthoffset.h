@@ -7,10 +7,11 @@
 // DE405, the integration ELP/MPP02 was fitted to): some 4,670 km. The table
 // is a least-squares fit of that vector, computed from the program's own
 // lunar series (the MOONDATA block), by "orvane-databuild --earth-offset";
-// docs/planet-files.md lists its frequencies and its residual. Its terms
-// cancel exactly between the data builder (barycentre = Earth + offset) and
-// the program (Earth = barycentre − offset), so the Earth's accuracy does not
-// depend on them; they only decide how smooth, and so how compact, body 3 is.
+// docs/compact-ephemeris.md describes its frequencies and its residual. Its
+// terms cancel exactly between the data builder (barycentre = Earth +
+// offset) and the program (Earth = barycentre − offset), so the Earth's
+// accuracy does not depend on them; they only decide how smooth, and so how
+// compact, body 3 is.
 #pragma once
 
 #include <span>
