@@ -1,7 +1,8 @@
 // Solar-system costs: one VSOP87D evaluation with every term (the Earth and
-// Mercury, the longest series), the apparent place of one planet, and all
-// ten bodies' apparent places for one instant as a chart redraw asks them.
-// Needs the VSOP87 files of the data folder (tools/build-data.sh).
+// Mercury, the longest series), one place from the compact ephemeris, and
+// the bodies' apparent places for one instant as a chart redraw asks them,
+// through the compact ephemeris and through VSOP87. Needs the VSOP87 and
+// Ephem96 files of the data folder (tools/build-data.sh).
 
 #include <benchmark/benchmark.h>
 
@@ -41,21 +42,92 @@ void BM_MoonBlock(benchmark::State& state)
 }
 BENCHMARK(BM_MoonBlock)->Unit(benchmark::kMicrosecond);
 
-// All ten bodies at a new instant each time: what a chart redraw costs when
-// the time changed (VSOP87 path; Pluto has no source yet and returns at once).
+// Instants advance by 0.37 d and wrap within 2020–2070, inside the compact
+// ephemeris's span, however many iterations a benchmark runs.
+double Next(double jd) { return jd + 0.37 >= 2476000.5 ? jd + 0.37 - 18262.0 : jd + 0.37; }
+
+bool HaveCompact(benchmark::State& state)
+{
+    if (!HaveSeries(state)) return false;
+    if (orv::SharedEphem96().IsOpen()) return true;
+    state.SkipWithError("no Ephem96.dat in the data folder (run tools/build-data.sh)");
+    return false;
+}
+
+// One heliocentric place from the compact ephemeris (Mercury: the most
+// frequencies), against the VSOP87D evaluations above.
+void BM_Ephem96Evaluation(benchmark::State& state)
+{
+    if (!HaveCompact(state)) return;
+    const orv::CEphem96& ephem = orv::SharedEphem96();
+    const int body = static_cast<int>(state.range(0));
+    double jd = 2460500.5;
+    double xyz[3];
+    for (auto _ : state) {
+        ephem.Evaluate(body, jd, xyz);
+        benchmark::DoNotOptimize(xyz);
+        jd = Next(jd);
+    }
+}
+BENCHMARK(BM_Ephem96Evaluation)->Arg(1)->Arg(3)->Unit(benchmark::kNanosecond);
+
+// The Sun, the planets and Pluto (bodies 1–9) at a new instant each time,
+// geocentric: light time, deflection, aberration, precession and nutation
+// (the observer's matrices recomputed for each instant). Arg 1 through the
+// compact ephemeris, 0 through VSOP87 and the Pluto series.
+void BM_NineBodiesApparent(benchmark::State& state)
+{
+    const bool compact = state.range(0) != 0;
+    if (compact ? !HaveCompact(state) : !HaveSeries(state)) return;
+    orv::CObserverDoc observer;
+    orv::CPlanets planets(orv::SharedVsop87D(), compact ? &orv::SharedEphem96() : nullptr);
+    double jdTT = 2460500.5;
+    double ra, dec;
+    for (auto _ : state) {
+        for (int body = 1; body <= 9; ++body)
+            planets.ApparentPosition(observer, body, jdTT, ra, dec, orv::PlaceCentre::Geocentric);
+        jdTT = Next(jdTT);
+    }
+    state.SetLabel(compact ? "compact ephemeris" : "VSOP87");
+}
+BENCHMARK(BM_NineBodiesApparent)->Arg(1)->Arg(0)->Unit(benchmark::kMicrosecond);
+
+// The same nine places asked again for one instant, as a redraw without a
+// change of time asks them: the observer's precession-nutation matrices and
+// the Earth's place and velocity are reused, the bodies themselves (two
+// evaluations each for the light time) and the reduction are not.
+void BM_NineBodiesApparentSameInstant(benchmark::State& state)
+{
+    const bool compact = state.range(0) != 0;
+    if (compact ? !HaveCompact(state) : !HaveSeries(state)) return;
+    orv::CObserverDoc observer;
+    orv::CPlanets planets(orv::SharedVsop87D(), compact ? &orv::SharedEphem96() : nullptr);
+    const double jdTT = 2460500.5;
+    double ra, dec;
+    for (auto _ : state)
+        for (int body = 1; body <= 9; ++body)
+            planets.ApparentPosition(observer, body, jdTT, ra, dec, orv::PlaceCentre::Geocentric);
+    state.SetLabel(compact ? "compact ephemeris" : "VSOP87");
+}
+BENCHMARK(BM_NineBodiesApparentSameInstant)->Arg(1)->Arg(0)->Unit(benchmark::kMicrosecond);
+
+// All ten bodies at a new instant each time, topocentric: what a chart
+// redraw costs when the time changed (the Moon's series included).
 void BM_AllBodiesApparent(benchmark::State& state)
 {
-    if (!HaveSeries(state)) return;
+    const bool compact = state.range(0) != 0;
+    if (compact ? !HaveCompact(state) : !HaveSeries(state)) return;
     orv::CObserverDoc observer;
-    orv::CPlanets planets;
+    orv::CPlanets planets(orv::SharedVsop87D(), compact ? &orv::SharedEphem96() : nullptr);
     double jdUT = 2460500.5;
     for (auto _ : state) {
         observer.SetJulianDate(jdUT);
         planets.ComputeAll(observer, orv::PlaceCentre::Topocentric);
-        jdUT += 0.37;
+        jdUT = Next(jdUT);
     }
+    state.SetLabel(compact ? "compact ephemeris" : "VSOP87");
 }
-BENCHMARK(BM_AllBodiesApparent)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_AllBodiesApparent)->Arg(1)->Arg(0)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

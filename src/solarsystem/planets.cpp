@@ -9,6 +9,8 @@
 #include <erfa.h>
 
 #include "observer/observer.h"
+#include "solarsystem/earthoffset.h"
+#include "solarsystem/pluto.h"
 #include "util/settingsstore.h"
 
 namespace orv {
@@ -18,7 +20,6 @@ namespace {
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kTwoPi = 2.0 * kPi;
 constexpr double kDegToRad = kPi / 180.0;
-constexpr double kArcsecToRad = kPi / 648000.0;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 // 2GM☉/c² in AU: the Sun's gravitational delay and deflection scale.
 constexpr double kSunSchwarzschildAU = 1.974e-8;
@@ -119,9 +120,9 @@ const CVsop87D& SharedVsop87D()
     return series;
 }
 
-CPlanets::CPlanets() : CPlanets(SharedVsop87D()) {}
+CPlanets::CPlanets() : CPlanets(SharedVsop87D(), &SharedEphem96()) {}
 
-CPlanets::CPlanets(const CVsop87D& vsop87) : m_vsop87(&vsop87) {}
+CPlanets::CPlanets(const CVsop87D& vsop87, const CEphem96* ephem96) : m_vsop87(&vsop87), m_ephem96(ephem96) {}
 
 void CPlanets::LoadSettings(const CSettingsStore& store)
 {
@@ -142,43 +143,38 @@ void CPlanets::SetGreatRedSpotLongitudeDeg(double degrees)
     m_grsLongitudeDeg = r < 0.0 ? r + 360.0 : r;
 }
 
-PositionStatus CPlanets::HeliocentricPosition([[maybe_unused]] const CObserverDoc& observer, int body, double jdTT,
+PositionStatus CPlanets::HeliocentricPosition(const CObserverDoc& observer, int body, double jdTT,
                                               SphericalLBR* ofDate, Vector3* j2000) const
 {
+    (void)observer;  // the frames are VSOP87's own (IAU 1976), see vsop87.h
     if (!std::isfinite(jdTT) || body < 1 || body > 9) return PositionStatus::InvalidInput;
-    if (body == kBodyPluto || !m_vsop87->IsOpen()) return PositionStatus::NoSource;
-    SphericalLBR lbr = m_vsop87->EvaluateOfDate(body, jdTT);
-    // From VSOP87's dynamical ecliptic and equinox to FK5 (Bretagnon &
-    // Francou 1988; Meeus eq. 32.3), T in Julian centuries.
-    const double T = (jdTT - 2451545.0) / 36525.0;
-    const double lp = lbr.lRad - (1.397 + 0.00031 * T) * T * kDegToRad;
-    const double dl = -0.09033 + 0.03916 * (std::cos(lp) + std::sin(lp)) * std::tan(lbr.bRad);
-    const double db = 0.03916 * (std::cos(lp) - std::sin(lp));
-    lbr.lRad = Mod2Pi(lbr.lRad + dl * kArcsecToRad);
-    lbr.bRad += db * kArcsecToRad;
-    if (ofDate) *ofDate = lbr;
-    if (j2000) {
-        // VSOP87D's ecliptic and equinox of date are those of the IAU 1976
-        // precession (Lieske et al. 1977) and obliquity: the rectangular
-        // J2000 result is formed with that model (ERFA eraObl80, eraPmat76).
-        // Through the IAU 2006 model instead it would drift from the
-        // theory's own J2000 frame by 0.30″ per century in longitude (the
-        // two models' precession rates differ by that much) and 0.02″ per
-        // century in the pole; formed this way the Earth agrees with SOFA's
-        // independent eraEpv00 to 0.04″ over 1900–2100. The FK5 correction
-        // above brings the theory's dynamical frame (DE200's) closer to the
-        // ICRS than the IAU 2006 frame bias does (0.04″ against 0.11″).
-        const double x = lbr.rAU * std::cos(lbr.bRad) * std::cos(lbr.lRad);
-        const double y = lbr.rAU * std::cos(lbr.bRad) * std::sin(lbr.lRad);
-        const double z = lbr.rAU * std::sin(lbr.bRad);
-        const double eps = eraObl80(jdTT, 0.0);
-        double ofDateEquatorial[3] = {x, y * std::cos(eps) - z * std::sin(eps), z * std::cos(eps) + y * std::sin(eps)};
-        double precession[3][3];
-        eraPmat76(jdTT, 0.0, precession);
-        double v[3];
-        eraTrxp(precession, ofDateEquatorial, v);
-        *j2000 = {v[0], v[1], v[2]};
+    double v[3];
+    // The compact ephemeris over its span; outside it, or when its file is
+    // missing, the series it was fitted to. Without the file the program
+    // is as accurate, only slower: the fit follows VSOP87 and the Pluto
+    // series to 0.05″.
+    const bool compact = jdTT >= kEphem96FirstJd && jdTT < kEphem96EndJd && m_ephem96 && m_ephem96->Covers(body, jdTT);
+    if (compact) {
+        m_ephem96->Evaluate(body, jdTT, v);
+        if (body == kBodyEarth) {
+            // Body 3 of the file is the Earth–Moon barycentre.
+            double offset[3];
+            EarthBarycentreOffset(jdTT, offset);
+            for (int c = 0; c < 3; ++c) v[c] -= offset[c];
+        }
+    } else if (body == kBodyPluto) {
+        if (!PlutoEquatorialJ2000(jdTT, v)) return PositionStatus::NoSource;
+    } else {
+        if (!Vsop87Heliocentric(*m_vsop87, body, jdTT, ofDate, j2000 ? v : nullptr)) return PositionStatus::NoSource;
+        if (j2000) *j2000 = {v[0], v[1], v[2]};
+        return PositionStatus::Ok;
     }
+    // The place of date is formed in VSOP87D's own frame (IAU 1976
+    // precession and obliquity, see vsop87.h), so that the compact
+    // ephemeris and VSOP87 give the same longitudes on either side of the
+    // span's ends.
+    if (ofDate) *ofDate = J2000ToEclipticOfDate(v, jdTT);
+    if (j2000) *j2000 = {v[0], v[1], v[2]};
     return PositionStatus::Ok;
 }
 
@@ -217,7 +213,6 @@ PositionStatus CPlanets::ApparentPosition(const CObserverDoc& observer, int body
     record.valid = false;
     const bool sun = body == kBodySun;
     Vector3 earth;
-    if (!m_vsop87->IsOpen()) return PositionStatus::NoSource;
     if (!EarthAt(observer, jdTT, earth)) return PositionStatus::NoSource;
     PositionStatus status = PositionStatus::Ok;
     Vector3 target{};

@@ -21,6 +21,7 @@
 #include <string_view>
 
 #include "app/strings.h"
+#include "solarsystem/ephem96.h"
 #include "solarsystem/moonseries.h"
 #include "solarsystem/vsop87.h"
 
@@ -85,11 +86,13 @@ enum class PositionStatus { Ok, NoSource, InvalidInput };
 // place. Holds no reference to a map: the observer is passed to each call.
 class CPlanets {
 public:
-    // Uses the process's shared VSOP87 series (SharedVsop87D) and the
-    // built-in lunar series.
+    // Uses the process's shared VSOP87 series (SharedVsop87D), compact
+    // ephemeris (SharedEphem96) and the built-in lunar and Pluto series.
     CPlanets();
-    // Uses the given series (tests, benchmarks); it must outlive the object.
-    explicit CPlanets(const CVsop87D& vsop87);
+    // Uses the given series (tests, benchmarks); they must outlive the
+    // object. Without a compact ephemeris every date goes to VSOP87 and the
+    // Pluto series.
+    explicit CPlanets(const CVsop87D& vsop87, const CEphem96* ephem96 = nullptr);
 
     // Section "Planet": "GRSLong" (degrees, text; default "80").
     void LoadSettings(const CSettingsStore& store);
@@ -100,9 +103,12 @@ public:
     // Heliocentric place of body 1–9 (3 the Earth) at jdTT:
     // `ofDate` longitude and latitude in radians (mean ecliptic and equinox of
     // date, FK5), radius vector in AU; `j2000` rectangular, J2000 equatorial,
-    // AU. VSOP87D for bodies 1–8 at any date (its accuracy falls off slowly
-    // beyond 1000 years from J2000); NoSource for Pluto, whose series is not
-    // built in yet, and when the VSOP87 files are missing.
+    // AU. From 2415020.5 (1900 January 1.0) up to but excluding 2487980.5
+    // (2099 October 4.0) the compact ephemeris answers for every body;
+    // otherwise VSOP87D for bodies 1–8 (its accuracy falls off slowly beyond
+    // 1000 years from J2000) and Meeus's series for Pluto (1885–2099 only).
+    // NoSource when the date's source is missing (Pluto outside its series'
+    // span, the VSOP87 files absent).
     PositionStatus HeliocentricPosition(const CObserverDoc& observer, int body, double jdTT, SphericalLBR* ofDate,
                                         Vector3* j2000) const;
 
@@ -152,6 +158,7 @@ private:
     bool EarthAt(const CObserverDoc& observer, double jdTT, Vector3& earth);
 
     const CVsop87D* m_vsop87;
+    const CEphem96* m_ephem96 = nullptr;
     const CObserverDoc* m_cacheObserver = nullptr;
     double m_earthJdTT = std::numeric_limits<double>::quiet_NaN();
     Vector3 m_earth{};

@@ -61,4 +61,16 @@ private:
     std::array<std::array<Vsop87IndexEntry, 18>, 8> m_index{};
 };
 
+// Body 1–8 from the series as the program uses it: the spherical place of
+// date corrected from VSOP87's dynamical ecliptic and equinox to FK5
+// (`ofDate`, L in [0, 2π)), and the heliocentric J2000 equatorial rectangular
+// position in AU (`j2000`, either output may be null). False when the series
+// cannot answer (not open, body out of range, date not finite).
+bool Vsop87Heliocentric(const CVsop87D& series, int body, double jdTT, SphericalLBR* ofDate, double j2000[3]);
+
+// The inverse of the frame change above: a J2000 equatorial rectangular
+// vector (AU) as longitude, latitude and radius referred to the mean
+// ecliptic and equinox of date in the same (IAU 1976) frame.
+SphericalLBR J2000ToEclipticOfDate(const double j2000[3], double jdTT);
+
 }  // namespace orv

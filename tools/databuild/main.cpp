@@ -9,6 +9,7 @@
 #include "catalogbuild.h"
 #include "constellationbuild.h"
 #include "deepskybuild.h"
+#include "ephemfit.h"
 #include "planetbuild.h"
 #include "util/datapath.h"
 
@@ -21,6 +22,8 @@ void Usage(std::FILE* to)
         "                        [--out DATA_FOLDER] [--constellations]\n"
         "       orvane-databuild --deepsky [--sources DIR] [--stellarium DIR] [--out DATA_FOLDER]\n"
         "       orvane-databuild --planets ASTRONOMIA_DIR [--moon-block FILE] [--out DATA_FOLDER]\n"
+        "       orvane-databuild --ephem96 [--out DATA_FOLDER]\n"
+        "       orvane-databuild --earth-offset FILE\n"
         "\n"
         "Builds the Tycho-2 star files (star/Tycho2/*, data/rgnbound.dat) into the data folder.\n"
         "  --sources DIR     the folder filled by tools/fetch-sources.sh (default: data-sources)\n"
@@ -39,7 +42,12 @@ void Usage(std::FILE* to)
         "With --planets, builds the VSOP87 series (Data/VSOP87.idx, Data/VSOP87.dat) instead,\n"
         "from the unpacked npm package astronomia (the folder holding data/vsop87D*.js);\n"
         "--moon-block FILE also writes the lunar series block from its ELP/MPP02 series\n"
-        "(the program's src/solarsystem/moondata.bin).\n",
+        "(the program's src/solarsystem/moondata.bin).\n"
+        "\n"
+        "With --ephem96, fits the compact ephemeris Data/Ephem96.dat to the data folder's VSOP87\n"
+        "files (every term) and the built-in Pluto series, and fails when the fit departs from\n"
+        "them by more than 0.05 arcsec; --earth-offset FILE writes the program's table of the\n"
+        "Earth-Moon barycentre's offset from the Earth (src/solarsystem/earthoffset_terms.inc).\n",
         to);
 }
 
@@ -54,6 +62,8 @@ int main(int argc, char** argv)
     bool deepSky = false;
     std::string astronomiaDir;
     std::string moonBlock;
+    bool ephem96 = false;
+    std::string earthOffset;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         auto value = [&](std::string& into) {
@@ -72,6 +82,8 @@ int main(int argc, char** argv)
         else if (arg == "--deepsky") deepSky = true;
         else if (arg == "--planets") value(astronomiaDir);
         else if (arg == "--moon-block") value(moonBlock);
+        else if (arg == "--ephem96") ephem96 = true;
+        else if (arg == "--earth-offset") value(earthOffset);
         else if (arg == "--help" || arg == "-h") {
             Usage(stdout);
             return 0;
@@ -88,6 +100,17 @@ int main(int argc, char** argv)
         std::printf("[%6.1f s] %s\n", s, line.c_str());
         std::fflush(stdout);
     };
+    if (!earthOffset.empty() || ephem96) {
+        std::string error;
+        const bool ok = !earthOffset.empty() ? orv::databuild::RunEarthOffsetBuild(earthOffset, progress, error)
+                                             : orv::databuild::RunEphem96Build(options.outputDir, progress, error);
+        if (!ok) {
+            std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
+            return 1;
+        }
+        std::printf("orvane-databuild: done\n");
+        return 0;
+    }
     if (!astronomiaDir.empty()) {
         std::string error;
         if (!orv::databuild::RunPlanetBuild({astronomiaDir, options.outputDir, moonBlock}, progress, error)) {
