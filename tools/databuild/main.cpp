@@ -9,6 +9,7 @@
 #include "catalogbuild.h"
 #include "constellationbuild.h"
 #include "deepskybuild.h"
+#include "minorbuild.h"
 #include "planetbuild.h"
 #include "util/datapath.h"
 
@@ -20,6 +21,7 @@ void Usage(std::FILE* to)
         "usage: orvane-databuild [--sources DIR] [--tycho2 DIR] [--stellarium DIR] [--kstars DIR]\n"
         "                        [--out DATA_FOLDER] [--constellations]\n"
         "       orvane-databuild --deepsky [--sources DIR] [--stellarium DIR] [--out DATA_FOLDER]\n"
+        "       orvane-databuild --minor [--sources DIR] [--kstars DIR] [--out DATA_FOLDER]\n"
         "       orvane-databuild --planets ASTRONOMIA_DIR [--moon-block FILE] [--out DATA_FOLDER]\n"
         "\n"
         "Builds the Tycho-2 star files (star/Tycho2/*, data/rgnbound.dat) into the data folder.\n"
@@ -36,6 +38,8 @@ void Usage(std::FILE* to)
         "                    instead of the star files, and the SAC database when its file\n"
         "                    (SAC_DeepSky_Ver81_QCQ.TXT) lies in DIR/sac\n"
         "\n"
+        "With --minor, builds the default comet and asteroid catalogues (comet.cat, asteroid.cat)\n"
+        "from kstars-data's asteroids.dat and cometels.json.gz.\n"
         "With --planets, builds the VSOP87 series (Data/VSOP87.idx, Data/VSOP87.dat) instead,\n"
         "from the unpacked npm package astronomia (the folder holding data/vsop87D*.js);\n"
         "--moon-block FILE also writes the lunar series block from its ELP/MPP02 series\n"
@@ -52,6 +56,7 @@ int main(int argc, char** argv)
     orv::databuild::BuildOptions options;
     bool constellations = false;
     bool deepSky = false;
+    bool minor = false;
     std::string astronomiaDir;
     std::string moonBlock;
     for (int i = 1; i < argc; ++i) {
@@ -70,6 +75,7 @@ int main(int argc, char** argv)
         else if (arg == "--out") value(options.outputDir);
         else if (arg == "--constellations") constellations = true;
         else if (arg == "--deepsky") deepSky = true;
+        else if (arg == "--minor") minor = true;
         else if (arg == "--planets") value(astronomiaDir);
         else if (arg == "--moon-block") value(moonBlock);
         else if (arg == "--help" || arg == "-h") {
@@ -110,6 +116,18 @@ int main(int argc, char** argv)
             return 1;
         }
         std::printf("orvane-databuild: done\n");
+        return 0;
+    }
+    if (minor) {
+        std::string error;
+        orv::databuild::MinorBuildCounts counts;
+        if (!orv::databuild::RunMinorBuild({options.kstarsDir, options.outputDir}, progress, counts, error)) {
+            std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
+            return 1;
+        }
+        std::printf("orvane-databuild: comet and asteroid catalogues done (%d asteroids, %d comets; %d and %d "
+                    "entries refused)\n",
+                    counts.asteroids, counts.comets, counts.asteroidsRefused, counts.cometsRefused);
         return 0;
     }
     if (deepSky) {
