@@ -9,6 +9,7 @@
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -338,6 +339,8 @@ CMinorCatalogDialog::CMinorCatalogDialog(CAppContext& app, MinorKind kind, QWidg
     connect(save, &QPushButton::clicked, this, [this] { SaveCatalog(); });
     buttons->addWidget(save);
     button(tr("Save &As..."), &CMinorCatalogDialog::SaveCatalogAs);
+    button(tr("&Path..."), &CMinorCatalogDialog::ShowPath);
+    button(tr("&Clear Paths"), &CMinorCatalogDialog::ClearPaths);
     auto* close = new QPushButton(tr("Close"), this);
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
     buttons->addWidget(close);
@@ -433,6 +436,15 @@ void CMinorCatalogDialog::DeleteEntry()
     if (QMessageBox::question(this, windowTitle(), question) != QMessageBox::Yes) return;
     if (m_kind == MinorKind::Asteroid) c.Asteroids().erase(c.Asteroids().begin() + i);
     else c.Comets().erase(c.Comets().begin() + i);
+    // Paths name entries by their place in the list: the deleted entry's
+    // path goes, those after it move up.
+    std::vector<MinorPathRequest> paths;
+    for (MinorPathRequest p : c.OrbitPaths()) {
+        if (p.kind == m_kind && p.index == static_cast<std::size_t>(i)) continue;
+        if (p.kind == m_kind && p.index > static_cast<std::size_t>(i)) --p.index;
+        paths.push_back(p);
+    }
+    c.SetOrbitPaths(std::move(paths));
     Changed();
 }
 
@@ -460,6 +472,10 @@ void CMinorCatalogDialog::OpenCatalog()
     const bool asteroid = m_kind == MinorKind::Asteroid;
     c.SetPaths(asteroid ? path.toStdString() : c.AsteroidPath(), asteroid ? c.CometPath() : path.toStdString());
     c.Reload();
+    std::vector<MinorPathRequest> paths;
+    for (const MinorPathRequest& p : c.OrbitPaths())
+        if (p.kind != m_kind) paths.push_back(p);
+    c.SetOrbitPaths(std::move(paths));
     m_app.Settings().WriteString("Paths", asteroid ? "AsteroidCat" : "CometCat", path.toStdString());
     m_model->Refresh();
     UpdateTitle();
@@ -489,6 +505,39 @@ void CMinorCatalogDialog::SaveCatalogAs()
     m_app.Settings().WriteString("Paths", m_kind == MinorKind::Asteroid ? "AsteroidCat" : "CometCat",
                                  path.toStdString());
     UpdateTitle();
+}
+
+void CMinorCatalogDialog::ShowPath()
+{
+    const int i = SelectedEntry();
+    if (i < 0) return;
+    bool ok = false;
+    const double days = QInputDialog::getDouble(this, tr("Orbit Path"), tr("Days, centred on now:"), 60.0, 1.0, 3650.0,
+                                                0, &ok);
+    if (!ok) return;
+    const double step = QInputDialog::getDouble(this, tr("Orbit Path"), tr("Days between ticks:"), days <= 90.0 ? 1.0 : 10.0,
+                                                0.01, 365.0, 2, &ok);
+    if (!ok) return;
+    CObserverDoc now;
+    now.SetToNow();
+    MinorPathRequest path;
+    path.kind = m_kind;
+    path.index = static_cast<std::size_t>(i);
+    path.startJdTT = now.JulianDateTDT() - 0.5 * days;
+    path.endJdTT = now.JulianDateTDT() + 0.5 * days;
+    path.stepDays = step;
+    path.labelEvery = 5;
+    CMinorCatalogs& c = m_app.MinorCatalogs().Get();
+    std::vector<MinorPathRequest> paths = c.OrbitPaths();
+    paths.push_back(path);
+    c.SetOrbitPaths(std::move(paths));
+    m_app.NotifyCatalogsChanged();
+}
+
+void CMinorCatalogDialog::ClearPaths()
+{
+    m_app.MinorCatalogs().Get().SetOrbitPaths({});
+    m_app.NotifyCatalogsChanged();
 }
 
 void CMinorCatalogDialog::done(int result)

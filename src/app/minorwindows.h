@@ -62,6 +62,10 @@ public:
     void OpenCatalog();
     bool SaveCatalog();
     void SaveCatalogAs();
+    // Draws the selected entry's orbit path on the charts: a span of days
+    // centred on now (asked), a tick a day; ClearPaths removes every path.
+    void ShowPath();
+    void ClearPaths();
 
 protected:
     void done(int result) override;
