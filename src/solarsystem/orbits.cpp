@@ -263,7 +263,7 @@ double CometMagnitudeGK(double g, double k, double r, double delta)
 std::int16_t MagnitudeCenti(double m)
 {
     if (!std::isfinite(m)) return 9999;
-    const double centi = std::floor(m * 100.0 + 0.5);
+    const double centi = std::trunc(m * 100.0 + 0.5);
     return static_cast<std::int16_t>(std::clamp(centi, -32767.0, 32767.0));
 }
 

