@@ -31,6 +31,7 @@
 #include "map/mapdoc.h"
 #include "map/mapview.h"
 #include "observer/observer.h"
+#include "util/datapath.h"
 #include "util/mappedfile.h"
 #include "util/settingsstore.h"
 
@@ -743,8 +744,11 @@ QString CMinorCommands::ImportFile(const QString& path, bool showProgress)
 
 void CMinorCommands::Import()
 {
-    const QString path = QFileDialog::getOpenFileName(m_frame, tr("Import MPC Elements"),
-                                                      m_app.RememberedFolder("MinorImport"),
+    // The MPC's export where the program has always looked for it first.
+    std::string located;
+    const QString start = LocateDataFile("data\\mpcorb.dat", located) ? QString::fromStdString(located)
+                                                                      : m_app.RememberedFolder("MinorImport");
+    const QString path = QFileDialog::getOpenFileName(m_frame, tr("Import MPC Elements"), start,
                                                       tr("Element files (*.dat *.DAT *.txt *.cat);;All files (*.*)"));
     if (path.isEmpty()) return;
     m_app.RememberFolder("MinorImport", path);

@@ -29,6 +29,7 @@
 #include "observer/observer.h"
 #include "solarsystem/minorsource.h"
 #include "util/angles.h"
+#include "util/datapath.h"
 #include "util/mappedfile.h"
 #include "util/settingsstore.h"
 
@@ -59,8 +60,13 @@ int RunMinorImport(Context& ctx)
     const auto known = OptionNames({}, {"catalog"});
     if (const auto unknown = ctx.args.Unknown(known); !unknown.empty())
         return UsageError(ctx, "unknown option --" + unknown.front());
-    if (ctx.args.Positional().size() != 1) return UsageError(ctx, "give one element file to import");
-    const std::string path = ctx.args.Positional().front();
+    if (ctx.args.Positional().size() > 1) return UsageError(ctx, "give one element file to import");
+    // Without a file, the MPC's export where the program has always looked
+    // for it: "data\mpcorb.dat" in the data folders.
+    std::string path;
+    if (!ctx.args.Positional().empty()) path = ctx.args.Positional().front();
+    else if (!LocateDataFile("data\\mpcorb.dat", path))
+        return Fail(ctx, "no element file given, and no \"data\\mpcorb.dat\" in the data folder (" + GetDataPath() + ")");
     // Mapped, not read: the MPC's full file is some 280 MB.
     CMappedFile file;
     if (!file.Open(path)) return Fail(ctx, "cannot open \"" + path + "\"");
@@ -376,9 +382,10 @@ ORV_CLI_COMMAND("minor chart", "draw a chart centred on a comet or an asteroid w
                 RunMinorChart);
 
 ORV_CLI_COMMAND("minor import", "add the elements of an MPC file (MPCORB, CometEls.txt) or a catalogue to the catalogues",
-                "orvane-cli minor import FILE [--catalog PATH] [--json]\n\n"
+                "orvane-cli minor import [FILE] [--catalog PATH] [--json]\n\n"
                 "  FILE            MPCORB.DAT (or an extract), CometEls.txt, or an asteroid or comet catalogue;\n"
-                "                  the format is recognised from its lines\n"
+                "                  the format is recognised from its lines (default: \"data\\mpcorb.dat\" in the\n"
+                "                  data folder)\n"
                 "  --catalog PATH  the catalogue to update (default: \"asteroid.cat\" or \"comet.cat\" in the data folder)\n"
                 "Entries with the same number (numbered asteroids) or name replace the old ones; the catalogue is\n"
                 "written atomically. Every refused line is named with its line number and the reason.\n"
