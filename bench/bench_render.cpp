@@ -19,6 +19,7 @@
 #include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
 #include "catalog/stars/tycho2catalogue.h"
+#include "solarsystem/drawminor.h"
 #include "solarsystem/drawplanets.h"
 #include "map/mapdraw.h"
 #include "map/mapview.h"
@@ -68,6 +69,7 @@ struct Components {
         RegisterConstellations(chart, stars);
         RegisterDeepSkyCatalogues(chart, deepSky);
         RegisterPlanets(chart);
+        RegisterMinorBodies(chart, std::make_shared<CMinorCatalogHandle>());
     }
 };
 

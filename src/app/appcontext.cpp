@@ -8,6 +8,7 @@
 #include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
 #include "satellite/passdraw.h"
+#include "solarsystem/drawminor.h"
 #include "solarsystem/drawplanets.h"
 #include "util/settingsstore.h"
 
@@ -18,8 +19,12 @@ constexpr const char* kSettings = "Settings";
 }
 
 CAppContext::CAppContext(CSettingsStore& settings, QObject* parent)
-    : QObject(parent), m_settings(settings), m_stars(std::make_shared<CStarCatalogueHandle>())
+    : QObject(parent),
+      m_settings(settings),
+      m_stars(std::make_shared<CStarCatalogueHandle>()),
+      m_minor(std::make_shared<CMinorCatalogHandle>())
 {
+    m_minor->Unloaded().SetPaths(settings.GetString("Paths", "AsteroidCat", ""), settings.GetString("Paths", "CometCat", ""));
     // The program's charts: the map's own layers, the star and deep-sky catalogues, and
     // the satellite passes plotted from the pass sheet.
     RegisterMapLayers(m_components.layers);
@@ -27,6 +32,7 @@ CAppContext::CAppContext(CSettingsStore& settings, QObject* parent)
     RegisterConstellations(m_components, m_stars);
     RegisterDeepSkyCatalogues(m_components, std::make_shared<CDeepSkyCatalogueHandle>());
     RegisterPlanets(m_components);
+    RegisterMinorBodies(m_components, m_minor);
     sat::RegisterPlottedPassLayer(m_components.layers);
     m_levels.Load(settings);
     const int scheme = settings.GetInt(kSettings, "ColourScheme", 0);

@@ -20,6 +20,7 @@ namespace orv {
 
 class CSettingsStore;
 class CStarCatalogueHandle;
+class CMinorCatalogHandle;
 
 class CAppContext : public QObject {
     Q_OBJECT
@@ -57,6 +58,12 @@ public:
 
     static constexpr int kMaxRecentFiles = 8;
 
+    // The comet and asteroid catalogues every chart shows (the paths of
+    // "Paths", "AsteroidCat" and "CometCat"), edited by their dialogs.
+    CMinorCatalogHandle& MinorCatalogs() { return *m_minor; }
+    // Tells the maps that a catalogue changed (they redraw).
+    void NotifyCatalogsChanged() { emit DisplayOptionsChanged(); }
+
 signals:
     void LevelsChanged();
     void DisplayOptionsChanged();  // colour scheme, search target shown
@@ -65,6 +72,7 @@ signals:
 private:
     CSettingsStore& m_settings;
     std::shared_ptr<CStarCatalogueHandle> m_stars;
+    std::shared_ptr<CMinorCatalogHandle> m_minor;
     CChartComponents m_components;
     CLevelTable m_levels;
     ColourScheme m_scheme = ColourScheme::Normal;

@@ -23,6 +23,7 @@
 #include "app/dialogs.h"
 #include "app/mapprint.h"
 #include "app/mapwindow.h"
+#include "app/minorwindows.h"
 #include "app/satellitewindows.h"
 #include "app/strings.h"
 #include "catalog/stars/stardesignation.h"
@@ -53,6 +54,7 @@ CMainFrame::CMainFrame(CAppContext& app, QWidget* parent) : QMainWindow(parent),
     });
 
     m_satellites = new CSatelliteCommands(m_app, this, [this] { return ActiveMap(); });
+    m_minor = new CMinorCommands(m_app, this, [this] { return ActiveMap(); });
     CreateActions();
     CreateMenus();
     CreateToolBars();
@@ -228,6 +230,7 @@ void CMainFrame::CreateMenus()
     map->addAction(m_deepSkyOptionsAct);
     map->addAction(m_gridOptionsAct);
 
+    menuBar()->addMenu(m_minor->Menu());
     menuBar()->addMenu(m_satellites->Menu());
 
     m_windowMenu = menuBar()->addMenu(tr("&Window"));

@@ -23,6 +23,7 @@ namespace orv {
 class CAppContext;
 class CMapWindow;
 class CSatelliteCommands;
+class CMinorCommands;
 
 class CMainFrame : public QMainWindow {
     Q_OBJECT
@@ -74,6 +75,7 @@ private:
     CAppContext& m_app;
     QMdiArea* m_mdi = nullptr;
     CSatelliteCommands* m_satellites = nullptr;  // the Satellites menu and windows
+    CMinorCommands* m_minor = nullptr;           // the Comets & Asteroids menu and windows
     QTimer m_timer;
     int m_nextMapNumber = 1;
 

@@ -6,6 +6,7 @@
 #include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
 #include "satellite/passdraw.h"
+#include "solarsystem/drawminor.h"
 #include "solarsystem/drawplanets.h"
 
 namespace orv::cli {
@@ -20,6 +21,7 @@ const CChartComponents& ChartComponents()
         RegisterConstellations(c, stars);
         RegisterDeepSkyCatalogues(c, std::make_shared<CDeepSkyCatalogueHandle>());
         RegisterPlanets(c);
+        RegisterMinorBodies(c, std::make_shared<CMinorCatalogHandle>());
         sat::RegisterPlottedPassLayer(c.layers);
         return c;
     }();

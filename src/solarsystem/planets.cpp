@@ -205,20 +205,36 @@ double CPlanets::EarthVelocity(const CObserverDoc& observer, double jdTT)
     return m_lorentzFactor;
 }
 
-PositionStatus CPlanets::ApparentPosition(const CObserverDoc& observer, int body, double jdTT, double& raRad,
-                                          double& decRad, PlaceCentre centre)
+PositionStatus CPlanets::PrepareApparentFrame(const CObserverDoc& observer, double jdTT, PlaceCentre centre,
+                                              ApparentFrame& frame)
 {
-    if (!std::isfinite(jdTT) || body < 1 || body > 9) return PositionStatus::InvalidInput;
-    PlanetRecord& record = m_records[static_cast<std::size_t>(body)];
-    record.valid = false;
-    const bool sun = body == kBodySun;
-    Vector3 earth;
-    if (!EarthAt(observer, jdTT, earth)) return PositionStatus::NoSource;
-    PositionStatus status = PositionStatus::Ok;
-    Vector3 target{};
-    if (!sun && (status = HeliocentricPosition(observer, body, jdTT, nullptr, &target)) != PositionStatus::Ok)
-        return status;
+    if (!std::isfinite(jdTT)) return PositionStatus::InvalidInput;
+    frame.jdTT = jdTT;
+    if (!EarthAt(observer, jdTT, frame.earthJ2000)) return PositionStatus::NoSource;
     if (!std::isfinite(EarthVelocity(observer, jdTT))) return PositionStatus::NoSource;
+    frame.earthVelocityOverC = m_earthVelocityOverC;
+    frame.lorentzFactor = m_lorentzFactor;
+    // The rotation's columns are the images of the three axes.
+    for (int j = 0; j < 3; ++j) {
+        double axis[3] = {0.0, 0.0, 0.0};
+        axis[j] = 1.0;
+        observer.PrecessXYZ(axis, jdTT, -1);
+        observer.NutateXYZ(axis, jdTT);
+        for (int i = 0; i < 3; ++i) frame.j2000ToDate[i][j] = axis[i];
+    }
+    frame.centre = centre;
+    if (centre == PlaceCentre::Topocentric) frame.siteOfDateAU = SiteOfDate(observer, jdTT);
+    return PositionStatus::Ok;
+}
+
+PositionStatus ApparentPlaceOf(const ApparentFrame& frame, const HeliocentricJ2000Fn& position, SolarGravity gravity,
+                               ApparentPlace& place)
+{
+    const double jdTT = frame.jdTT;
+    const Vector3& earth = frame.earthJ2000;
+    const bool bent = gravity == SolarGravity::Apply;
+    Vector3 target{};
+    if (!position(jdTT, target)) return PositionStatus::NoSource;
 
     // Light time, two passes: the body is taken where it was when the light
     // now arriving left it. The delay includes the Sun's gravitational
@@ -228,24 +244,20 @@ PositionStatus CPlanets::ApparentPosition(const CObserverDoc& observer, int body
         const double d = Length(Sub(p, earth));
         const double q = Length(p);
         double path = d;
-        if (!sun) path += kSunSchwarzschildAU * std::log((e + q + d) / (e + q - d));
+        if (bent) path += kSunSchwarzschildAU * std::log((e + q + d) / (e + q - d));
         return path / kLightAUPerDay;
     };
     double tau = lightTimeDays(target);
-    record.earthDistance = Length(Sub(target, earth));
-    if (!sun) {
-        if ((status = HeliocentricPosition(observer, body, jdTT - tau, nullptr, &target)) != PositionStatus::Ok)
-            return status;
-        tau = lightTimeDays(target);
-    }
-    record.lightTimeSeconds = tau * 86400.0;
+    if (!position(jdTT - tau, target)) return PositionStatus::NoSource;
+    tau = lightTimeDays(target);
+    place.lightTimeSeconds = tau * 86400.0;
 
     const Vector3 geometric = Sub(target, earth);
     const double distance = Length(geometric);
+    if (!(distance > 0.0) || !std::isfinite(distance)) return PositionStatus::InvalidInput;
     Vector3 p = Scale(geometric, 1.0 / distance);
-    // Deflection of light by the Sun (Explanatory Supplement eq. 3.324-1);
-    // nothing for the Sun itself.
-    if (!sun) {
+    // Deflection of light by the Sun (Explanatory Supplement eq. 3.324-1).
+    if (bent) {
         const double q = Length(target);
         const Vector3 eu = Scale(earth, 1.0 / e);
         const Vector3 qu = Scale(target, 1.0 / q);
@@ -253,36 +265,71 @@ PositionStatus CPlanets::ApparentPosition(const CObserverDoc& observer, int body
         p = Add(p, Scale(Sub(Scale(eu, Dot(p, qu)), Scale(qu, Dot(eu, p))), factor));
     }
     // Annual aberration, relativistic (Explanatory Supplement eq. 3.252-3).
-    const Vector3& v = m_earthVelocityOverC;
-    const double inverseGamma = 1.0 / m_lorentzFactor;
+    const Vector3& v = frame.earthVelocityOverC;
+    const double inverseGamma = 1.0 / frame.lorentzFactor;
     const double d = Dot(p, v);
     p = Scale(Add(Scale(p, inverseGamma), Scale(v, 1.0 + d / (1.0 + inverseGamma))), 1.0 / (1.0 + d));
 
-    double u[3] = {p.x, p.y, p.z};
-    observer.PrecessXYZ(u, jdTT, -1);
-    observer.NutateXYZ(u, jdTT);
-    raRad = Mod2Pi(std::atan2(u[1], u[0]));
-    decRad = std::atan2(u[2], std::hypot(u[0], u[1]));
-    if (centre == PlaceCentre::Topocentric) ApplyParallax(observer, jdTT, distance, raRad, decRad);
+    const auto& m = frame.j2000ToDate;
+    Vector3 u{m[0][0] * p.x + m[0][1] * p.y + m[0][2] * p.z, m[1][0] * p.x + m[1][1] * p.y + m[1][2] * p.z,
+              m[2][0] * p.x + m[2][1] * p.y + m[2][2] * p.z};
+    if (frame.centre == PlaceCentre::Topocentric) u = Sub(Scale(u, distance), frame.siteOfDateAU);
+    place.raRad = Mod2Pi(std::atan2(u.y, u.x));
+    place.decRad = std::atan2(u.z, std::hypot(u.x, u.y));
+    place.earthDistanceAU = distance;
+    place.sunDistanceAU = Length(target);
+    place.helioJ2000 = target;
+    // Phase angle at the body between the Sun and the Earth; elongation at
+    // the Earth between the Sun and the body.
+    place.phaseAngleRad = AngleBetween(Scale(target, -1.0), Scale(geometric, -1.0));
+    place.elongationRad = AngleBetween(Scale(earth, -1.0), geometric);
+    return PositionStatus::Ok;
+}
 
+PositionStatus CPlanets::ApparentPosition(const CObserverDoc& observer, int body, double jdTT, double& raRad,
+                                          double& decRad, PlaceCentre centre)
+{
+    if (!std::isfinite(jdTT) || body < 1 || body > 9) return PositionStatus::InvalidInput;
+    PlanetRecord& record = m_records[static_cast<std::size_t>(body)];
+    record.valid = false;
+    const bool sun = body == kBodySun;
+    ApparentFrame frame;
+    PositionStatus status = PrepareApparentFrame(observer, jdTT, centre, frame);
+    if (status != PositionStatus::Ok) return status;
+    PositionStatus bodyStatus = PositionStatus::Ok;
+    const HeliocentricJ2000Fn position = [&](double jd, Vector3& out) {
+        if (sun) {
+            out = {};
+            return true;
+        }
+        bodyStatus = HeliocentricPosition(observer, body, jd, nullptr, &out);
+        return bodyStatus == PositionStatus::Ok;
+    };
+    ApparentPlace place;
+    status = ApparentPlaceOf(frame, position, sun ? SolarGravity::Omit : SolarGravity::Apply, place);
+    if (status != PositionStatus::Ok) return bodyStatus != PositionStatus::Ok ? bodyStatus : status;
+
+    raRad = place.raRad;
+    decRad = place.decRad;
     record.raRad = raRad;
     record.decRad = decRad;
-    record.sunDistanceAU = sun ? 0.0 : Length(target);
-    record.earthDistance = distance;
-    record.apparentDiameterRad = 2.0 * std::asin(std::min(1.0, BodyRadiusKm(body) / (distance * kAstronomicalUnitKmIAU2012)));
+    record.lightTimeSeconds = place.lightTimeSeconds;
+    record.sunDistanceAU = sun ? 0.0 : place.sunDistanceAU;
+    record.earthDistance = place.earthDistanceAU;
+    record.apparentDiameterRad =
+        2.0 * std::asin(std::min(1.0, BodyRadiusKm(body) / (place.earthDistanceAU * kAstronomicalUnitKmIAU2012)));
     if (sun) {
         record.phaseAngleRad = 0.0;
         record.illuminatedFraction = 1.0;
         record.elongationRad = 0.0;
     } else {
-        // Phase angle at the body between the Sun and the Earth; elongation
-        // at the Earth between the Sun and the body.
-        record.phaseAngleRad = AngleBetween(Scale(target, -1.0), Scale(geometric, -1.0));
+        record.phaseAngleRad = place.phaseAngleRad;
         record.illuminatedFraction = 0.5 * (1.0 + std::cos(record.phaseAngleRad));
-        record.elongationRad = AngleBetween(Scale(earth, -1.0), geometric);
+        record.elongationRad = place.elongationRad;
     }
-    if (body == kBodySaturn) FillSaturnRing(observer, jdTT - tau, target, earth);
-    if (body == kBodyUranus) FillUranusLatitude(target, earth);
+    const double tau = place.lightTimeSeconds / 86400.0;
+    if (body == kBodySaturn) FillSaturnRing(observer, jdTT - tau, place.helioJ2000, frame.earthJ2000);
+    if (body == kBodyUranus) FillUranusLatitude(place.helioJ2000, frame.earthJ2000);
     record.valid = true;
     ComputeMagnitude(body, jdTT);
     return PositionStatus::Ok;

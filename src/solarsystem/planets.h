@@ -14,6 +14,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <limits>
 #include <cstdint>
 #include <optional>
@@ -81,6 +82,51 @@ enum class PlaceCentre { Geocentric, Topocentric };
 
 enum class PositionStatus { Ok, NoSource, InvalidInput };
 
+// What the apparent-place reduction needs of an instant, made once and
+// shared by every body reduced at it: the Earth's heliocentric J2000
+// position (AU) and velocity (units of c) with its Lorentz factor, the
+// rotation from J2000 to the true equator and equinox of date (IAU 2006
+// precession, IAU 2000A nutation) and, for topocentric places, the site's
+// geocentric position of date (AU).
+struct ApparentFrame {
+    double jdTT = 0.0;
+    Vector3 earthJ2000{};
+    Vector3 earthVelocityOverC{};
+    double lorentzFactor = 1.0;
+    double j2000ToDate[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+    PlaceCentre centre = PlaceCentre::Geocentric;
+    Vector3 siteOfDateAU{};
+};
+
+// The apparent place of a heliocentric body and the geometry that goes with it.
+struct ApparentPlace {
+    double raRad = 0.0;             // true equator and equinox of date
+    double decRad = 0.0;
+    double earthDistanceAU = 0.0;   // Earth (at t) to the body (at t − τ)
+    double sunDistanceAU = 0.0;     // Sun to the body at t − τ
+    double lightTimeSeconds = 0.0;  // τ
+    double phaseAngleRad = 0.0;     // Sun–body–Earth
+    double elongationRad = 0.0;     // Sun–Earth–body
+    Vector3 helioJ2000{};           // the body at t − τ, heliocentric J2000, AU
+};
+
+// A body's heliocentric J2000 equatorial position (AU) at a TT instant;
+// false when it has none there.
+using HeliocentricJ2000Fn = std::function<bool(double jdTT, Vector3& positionAU)>;
+
+// Whether the Sun's gravity bends and delays the light: yes for every body
+// but the Sun itself.
+enum class SolarGravity { Apply, Omit };
+
+// The apparent place of date of a body given by its heliocentric J2000
+// position: light time (two passes, with the Sun's gravitational delay),
+// deflection of light by the Sun, relativistic annual aberration,
+// precession and nutation, and with a topocentric frame the diurnal
+// parallax. Explanatory Supplement to the Astronomical Almanac (1992),
+// §3.3. The planets, comets and asteroids all go through it.
+PositionStatus ApparentPlaceOf(const ApparentFrame& frame, const HeliocentricJ2000Fn& position, SolarGravity gravity,
+                               ApparentPlace& place);
+
 // The state of the solar-system computations: one record per body, the Great
 // Red Spot longitude setting, and the Earth's velocity of the last apparent
 // place. Holds no reference to a map: the observer is passed to each call.
@@ -128,6 +174,11 @@ public:
     // Supplement to the Astronomical Almanac (1992), §3.3.
     PositionStatus ApparentPosition(const CObserverDoc& observer, int body, double jdTT, double& raRad, double& decRad,
                                     PlaceCentre centre);
+
+    // The frame of the apparent-place reduction at jdTT for the observer's
+    // site (ApparentPlaceOf); NoSource without the Earth's position.
+    PositionStatus PrepareApparentFrame(const CObserverDoc& observer, double jdTT, PlaceCentre centre,
+                                        ApparentFrame& frame);
 
     // Geocentric (or topocentric) apparent place of the Moon from the
     // built-in ELP/MPP02 series, distance in km; fills record 0.

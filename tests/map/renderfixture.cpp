@@ -13,6 +13,7 @@
 #include "catalog/stars/drawstars.h"
 #include "catalogbuild.h"
 #include "satellite/passdraw.h"
+#include "solarsystem/drawminor.h"
 #include "solarsystem/drawplanets.h"
 #include "support/compare.h"
 #include "util/angles.h"
@@ -136,6 +137,11 @@ CTestChartComponents::CTestChartComponents() : stars(std::make_shared<CStarCatal
     RegisterConstellations(components, stars);
     RegisterDeepSkyCatalogues(components, std::make_shared<CDeepSkyCatalogueHandle>());
     RegisterPlanets(components);
+    // The small chart shows no comets or asteroids until a test gives it some.
+    auto minor = std::make_shared<CMinorCatalogHandle>();
+    minor->Get().Asteroids().clear();
+    minor->Get().Comets().clear();
+    RegisterMinorBodies(components, minor);
     sat::RegisterPlottedPassLayer(components.layers);
 }
 

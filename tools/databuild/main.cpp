@@ -10,6 +10,7 @@
 #include "constellationbuild.h"
 #include "deepskybuild.h"
 #include "ephemfit.h"
+#include "minorbuild.h"
 #include "planetbuild.h"
 #include "util/datapath.h"
 
@@ -21,6 +22,7 @@ void Usage(std::FILE* to)
         "usage: orvane-databuild [--sources DIR] [--tycho2 DIR] [--stellarium DIR] [--kstars DIR]\n"
         "                        [--out DATA_FOLDER] [--constellations]\n"
         "       orvane-databuild --deepsky [--sources DIR] [--stellarium DIR] [--out DATA_FOLDER]\n"
+        "       orvane-databuild --minor [--sources DIR] [--kstars DIR] [--out DATA_FOLDER]\n"
         "       orvane-databuild --planets ASTRONOMIA_DIR [--moon-block FILE] [--out DATA_FOLDER]\n"
         "       orvane-databuild --ephem96 [--out DATA_FOLDER]\n"
         "       orvane-databuild --earth-offset FILE\n"
@@ -39,6 +41,8 @@ void Usage(std::FILE* to)
         "                    instead of the star files, and the SAC database when its file\n"
         "                    (SAC_DeepSky_Ver81_QCQ.TXT) lies in DIR/sac\n"
         "\n"
+        "With --minor, builds the default comet and asteroid catalogues (comet.cat, asteroid.cat)\n"
+        "from kstars-data's asteroids.dat and cometels.json.gz.\n"
         "With --planets, builds the VSOP87 series (Data/VSOP87.idx, Data/VSOP87.dat) instead,\n"
         "from the unpacked npm package astronomia (the folder holding data/vsop87D*.js);\n"
         "--moon-block FILE also writes the lunar series block from its ELP/MPP02 series\n"
@@ -60,6 +64,7 @@ int main(int argc, char** argv)
     orv::databuild::BuildOptions options;
     bool constellations = false;
     bool deepSky = false;
+    bool minor = false;
     std::string astronomiaDir;
     std::string moonBlock;
     bool ephem96 = false;
@@ -80,6 +85,7 @@ int main(int argc, char** argv)
         else if (arg == "--out") value(options.outputDir);
         else if (arg == "--constellations") constellations = true;
         else if (arg == "--deepsky") deepSky = true;
+        else if (arg == "--minor") minor = true;
         else if (arg == "--planets") value(astronomiaDir);
         else if (arg == "--moon-block") value(moonBlock);
         else if (arg == "--ephem96") ephem96 = true;
@@ -133,6 +139,18 @@ int main(int argc, char** argv)
             return 1;
         }
         std::printf("orvane-databuild: done\n");
+        return 0;
+    }
+    if (minor) {
+        std::string error;
+        orv::databuild::MinorBuildCounts counts;
+        if (!orv::databuild::RunMinorBuild({options.kstarsDir, options.outputDir}, progress, counts, error)) {
+            std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
+            return 1;
+        }
+        std::printf("orvane-databuild: comet and asteroid catalogues done (%d asteroids, %d comets; %d and %d "
+                    "entries refused)\n",
+                    counts.asteroids, counts.comets, counts.asteroidsRefused, counts.cometsRefused);
         return 0;
     }
     if (deepSky) {

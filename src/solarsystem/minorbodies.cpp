@@ -1,0 +1,249 @@
+#include "solarsystem/minorbodies.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstdio>
+
+#include "util/datapath.h"
+
+namespace orv {
+
+namespace {
+
+constexpr double kRadToDeg = 57.29577951308232;
+
+std::string Lower(std::string_view s)
+{
+    std::string out(s);
+    for (char& c : out) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return out;
+}
+
+std::string_view Trim(std::string_view s)
+{
+    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
+    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
+    return s;
+}
+
+bool AllDigits(std::string_view s)
+{
+    return !s.empty() && std::all_of(s.begin(), s.end(), [](char c) { return std::isdigit(static_cast<unsigned char>(c)); });
+}
+
+}  // namespace
+
+std::optional<TwoBodyOrbit> OrbitOf(const AsteroidElements& a)
+{
+    return OrbitFromMeanAnomaly(a.meanAnomalyDeg, a.epochJdTT, a.aAU, a.e, a.argPerihelionDeg, a.nodeDeg,
+                                a.inclinationDeg);
+}
+
+std::optional<TwoBodyOrbit> OrbitOf(const CometElements& c)
+{
+    return OrbitFromPerihelion(c.qAU, c.e, c.perihelionJdTT, c.argPerihelionDeg, c.nodeDeg, c.inclinationDeg);
+}
+
+PositionStatus MinorPlaceAt(const ApparentFrame& frame, const TwoBodyOrbit& orbit, MinorPlace& place)
+{
+    place.valid = false;
+    ApparentPlace p;
+    const PositionStatus status = ApparentPlaceOf(
+        frame, [&](double jd, Vector3& r) { return HeliocentricJ2000(orbit, jd, r); }, SolarGravity::Apply, p);
+    if (status != PositionStatus::Ok) return status;
+    place.raRad = p.raRad;
+    place.decRad = p.decRad;
+    place.earthDistanceAU = p.earthDistanceAU;
+    place.sunDistanceAU = p.sunDistanceAU;
+    place.lightTimeSeconds = p.lightTimeSeconds;
+    place.phaseAngleRad = p.phaseAngleRad;
+    place.elongationRad = p.elongationRad;
+    place.helioJ2000 = p.helioJ2000;
+    place.valid = true;
+    return PositionStatus::Ok;
+}
+
+void FillMagnitude(const AsteroidElements& a, MinorPlace& place)
+{
+    place.magnitudeCenti = MagnitudeCenti(
+        AsteroidMagnitudeHG(a.absoluteH, a.slopeG, place.sunDistanceAU, place.earthDistanceAU, place.phaseAngleRad));
+}
+
+void FillMagnitude(const CometElements& c, MinorPlace& place)
+{
+    place.magnitudeCenti =
+        MagnitudeCenti(CometMagnitudeGK(c.absoluteG, c.slopeK, place.sunDistanceAU, place.earthDistanceAU));
+}
+
+double ElementAgeDays(const AsteroidElements& a, double jdTT) { return jdTT - a.epochJdTT; }
+double ElementAgeDays(const CometElements& c, double jdTT) { return jdTT - c.perihelionJdTT; }
+
+std::string AsteroidInfoText(const AsteroidElements& a, const MinorPlace& place)
+{
+    char text[256];
+    if (a.number > 0)
+        std::snprintf(text, sizeof text, "(%1d) %s\nMag: %.1lf\nD: %.3lf AU\nR: %.3lf AU", a.number, a.name.c_str(),
+                      place.magnitudeCenti * 0.01, place.earthDistanceAU, place.sunDistanceAU);
+    else
+        std::snprintf(text, sizeof text, "%s\nMag: %.1lf\nD: %.3lf AU\nR: %.3lf AU", a.name.c_str(),
+                      place.magnitudeCenti * 0.01, place.earthDistanceAU, place.sunDistanceAU);
+    return text;
+}
+
+std::string CometInfoText(const CometElements& c, const MinorPlace& place)
+{
+    char text[256];
+    std::snprintf(text, sizeof text, "%s\nMag: %.1lf\nD: %.3lf AU\nR: %.3lf AU", c.name.c_str(),
+                  place.magnitudeCenti * 0.01, place.earthDistanceAU, place.sunDistanceAU);
+    return text;
+}
+
+std::string MinorExtraText(const MinorPlace& place, const std::string& constellation, const std::string& epochText,
+                           double ageDays)
+{
+    char line[160];
+    std::snprintf(line, sizeof line, "\nElongation: %.1f°\nPhase angle: %.1f°", place.elongationRad * kRadToDeg,
+                  place.phaseAngleRad * kRadToDeg);
+    std::string text = line;
+    if (!constellation.empty()) text += "\nConstellation: " + constellation;
+    text += "\n" + epochText;
+    if (std::fabs(ageDays) > kElementAgeWarningDays) {
+        std::snprintf(line, sizeof line,
+                      "\nWarning: the elements are %.1f years from this date; the position may be degraded.",
+                      std::fabs(ageDays) / 365.25);
+        text += line;
+    }
+    return text;
+}
+
+std::string EpochText(const AsteroidElements& a)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "Epoch %04d-%02d-%05.2f", a.epochYear, a.epochMonth, a.epochDay);
+    return text;
+}
+
+std::string EpochText(const CometElements& c)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "Perihelion %04d-%02d-%05.2f", c.perihelionYear, c.perihelionMonth, c.perihelionDay);
+    return text;
+}
+
+// ------------------------------------------------------------ catalogues
+
+std::string DefaultCatalogPath(MinorKind kind)
+{
+    const char* name = kind == MinorKind::Asteroid ? "asteroid.cat" : "comet.cat";
+    std::string path;
+    if (LocateDataFile(name, path)) return path;
+    return GetDataFileName(name);
+}
+
+void CMinorCatalogs::SetPaths(std::string asteroidPath, std::string cometPath)
+{
+    m_asteroidPath = std::move(asteroidPath);
+    m_cometPath = std::move(cometPath);
+}
+
+void CMinorCatalogs::Reload()
+{
+    if (m_asteroidPath.empty()) m_asteroidPath = DefaultCatalogPath(MinorKind::Asteroid);
+    if (m_cometPath.empty()) m_cometPath = DefaultCatalogPath(MinorKind::Comet);
+    m_asteroids.clear();
+    m_comets.clear();
+    // Everything is kept; each map applies its own filter when it draws.
+    AsteroidFilter all;
+    all.mode = -1;
+    CometFilter allComets;
+    allComets.mode = -1;
+    ReadAsteroidCatalog(m_asteroidPath, all, m_asteroids);
+    ReadCometCatalog(m_cometPath, allComets, m_comets);
+    m_asteroidsChanged = m_cometsChanged = false;
+    m_loaded = true;
+    ++m_generation;
+}
+
+void CMinorCatalogs::EnsureLoaded()
+{
+    if (!m_loaded) Reload();
+}
+
+void CMinorCatalogs::MarkChanged(MinorKind kind)
+{
+    (kind == MinorKind::Asteroid ? m_asteroidsChanged : m_cometsChanged) = true;
+    ++m_generation;
+}
+
+std::optional<std::string> CMinorCatalogs::Save(MinorKind kind, const std::string& path)
+{
+    std::string& target = kind == MinorKind::Asteroid ? m_asteroidPath : m_cometPath;
+    if (!path.empty()) target = path;
+    if (target.empty()) target = DefaultCatalogPath(kind);
+    const std::optional<std::string> error =
+        kind == MinorKind::Asteroid ? WriteAsteroidCatalog(target, m_asteroids) : WriteCometCatalog(target, m_comets);
+    if (!error) (kind == MinorKind::Asteroid ? m_asteroidsChanged : m_cometsChanged) = false;
+    return error;
+}
+
+std::vector<std::size_t> CMinorCatalogs::FindAsteroids(std::string_view text) const
+{
+    std::vector<std::size_t> found;
+    text = Trim(text);
+    if (text.empty()) return found;
+    // "(1) Ceres", "(1)", "1": by number; the name after the number, when
+    // given, must agree.
+    std::string_view rest = text;
+    std::optional<int> number;
+    if (rest.front() == '(') {
+        const std::size_t close = rest.find(')');
+        if (close != std::string_view::npos && AllDigits(rest.substr(1, close - 1))) {
+            number = std::stoi(std::string(rest.substr(1, close - 1)));
+            rest = Trim(rest.substr(close + 1));
+        }
+    } else if (AllDigits(rest)) {
+        number = std::stoi(std::string(rest.substr(0, 9)));
+        rest = {};
+    }
+    const std::string wanted = Lower(rest);
+    for (std::size_t i = 0; i < m_asteroids.size(); ++i) {
+        const AsteroidElements& a = m_asteroids[i];
+        if (number) {
+            if (a.number == *number && (wanted.empty() || Lower(a.name) == wanted)) found.push_back(i);
+        } else if (Lower(a.name) == wanted) {
+            found.push_back(i);
+        }
+    }
+    return found;
+}
+
+std::vector<std::size_t> CMinorCatalogs::FindComets(std::string_view text) const
+{
+    std::vector<std::size_t> found;
+    const std::string wanted = Lower(Trim(text));
+    if (wanted.empty()) return found;
+    for (std::size_t i = 0; i < m_comets.size(); ++i) {
+        const std::string name = Lower(m_comets[i].name);
+        // The whole name; the designation before the discoverer in
+        // parentheses ("c/2020 f3"); a periodic comet's number and letter or
+        // its name after the slash ("12p", "halley").
+        const std::size_t paren = name.find(" (");
+        const std::size_t slash = name.find('/');
+        bool match = name == wanted;
+        if (!match && paren != std::string::npos) {
+            match = std::string_view(name).substr(0, paren) == wanted ||
+                    std::string_view(name).substr(paren + 2, name.size() - paren - 3) == wanted;
+        }
+        if (!match && slash != std::string::npos) {
+            const std::string_view head = std::string_view(name).substr(0, slash);
+            const bool periodic = !head.empty() && AllDigits(head.substr(0, head.size() - 1));
+            if (periodic && head == wanted) match = true;
+            if (!match && std::string_view(name).substr(slash + 1) == wanted) match = true;
+        }
+        if (match) found.push_back(i);
+    }
+    return found;
+}
+
+}  // namespace orv

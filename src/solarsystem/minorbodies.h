@@ -1,0 +1,137 @@
+// Comets and asteroids at an instant: their apparent places through the
+// planets' reduction (light time, deflection, aberration, precession,
+// nutation), their magnitudes, and the catalogues a program keeps loaded.
+//
+// Standard C++ only.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "solarsystem/minorelements.h"
+#include "solarsystem/orbits.h"
+#include "solarsystem/planets.h"
+
+namespace orv {
+
+enum class MinorKind : std::uint8_t { Asteroid, Comet };
+
+// The orbit of a catalogue entry; nothing when its elements cannot make one.
+std::optional<TwoBodyOrbit> OrbitOf(const AsteroidElements& a);
+std::optional<TwoBodyOrbit> OrbitOf(const CometElements& c);
+
+// A comet or asteroid seen from the Earth at one instant.
+struct MinorPlace {
+    bool valid = false;
+    double raRad = 0.0;   // apparent, true equator and equinox of date
+    double decRad = 0.0;
+    double earthDistanceAU = 0.0;
+    double sunDistanceAU = 0.0;
+    double lightTimeSeconds = 0.0;
+    double phaseAngleRad = 0.0;
+    double elongationRad = 0.0;
+    std::int16_t magnitudeCenti = 9999;
+    Vector3 helioJ2000{};  // at t − τ, AU
+};
+
+// The apparent place at the frame's instant; `magnitude` fills the
+// magnitude from the entry's H, G (asteroid) or g, k (comet).
+PositionStatus MinorPlaceAt(const ApparentFrame& frame, const TwoBodyOrbit& orbit, MinorPlace& place);
+void FillMagnitude(const AsteroidElements& a, MinorPlace& place);
+void FillMagnitude(const CometElements& c, MinorPlace& place);
+
+// Days between the instant and the epoch of the elements (asteroids: the
+// osculation epoch; comets: the perihelion time, the one date their
+// elements carry) beyond which the read-out warns that the two-body
+// position has degraded.
+inline constexpr double kElementAgeWarningDays = 365.25;
+double ElementAgeDays(const AsteroidElements& a, double jdTT);
+double ElementAgeDays(const CometElements& c, double jdTT);
+
+// The identify texts: asteroid "(%1d) %s\nMag: %.1lf\nD: %.3lf AU\nR: %.3lf AU",
+// comet "%s\nMag: %.1lf\nD: %.3lf AU\nR: %.3lf AU" (D from the Earth, R
+// from the Sun); an unnumbered asteroid is written by its name alone.
+std::string AsteroidInfoText(const AsteroidElements& a, const MinorPlace& place);
+std::string CometInfoText(const CometElements& c, const MinorPlace& place);
+// The lines the read-out adds after those: elongation, phase angle, the
+// constellation when known (its name, empty to leave out), the epoch of the
+// elements and, when they are more than a year from jdTT, a warning.
+std::string MinorExtraText(const MinorPlace& place, const std::string& constellation, const std::string& epochText,
+                           double ageDays);
+std::string EpochText(const AsteroidElements& a);   // "Epoch 2020-05-31"
+std::string EpochText(const CometElements& c);      // "Perihelion 2020-07-03.68"
+
+// An orbit path to draw: the body's apparent places from `startJdTT` to
+// `endJdTT` every `stepDays`, a tick at each place and a date label at
+// every `labelEvery`-th.
+struct MinorPathRequest {
+    MinorKind kind = MinorKind::Comet;
+    std::size_t index = 0;  // in its catalogue
+    double startJdTT = 0.0;
+    double endJdTT = 0.0;
+    double stepDays = 1.0;
+    int labelEvery = 5;
+};
+
+// The catalogues of one program, loaded once from their files and shared by
+// the chart layers, the sky-object sources, the dialogs and the command line.
+// They hold every entry of the file: each map applies its own filter.
+class CMinorCatalogs {
+public:
+    // Paths default to "asteroid.cat" and "comet.cat" in the data folders;
+    // a configured path (section "Paths", "AsteroidCat"/"CometCat") wins.
+    void SetPaths(std::string asteroidPath, std::string cometPath);
+    const std::string& AsteroidPath() const { return m_asteroidPath; }
+    const std::string& CometPath() const { return m_cometPath; }
+
+    // Reads both files again (a missing file gives an empty list).
+    void Reload();
+    // Reads each file on first use.
+    void EnsureLoaded();
+
+    std::vector<AsteroidElements>& Asteroids() { return m_asteroids; }
+    std::vector<CometElements>& Comets() { return m_comets; }
+    const std::vector<AsteroidElements>& Asteroids() const { return m_asteroids; }
+    const std::vector<CometElements>& Comets() const { return m_comets; }
+
+    // Edits set the changed flag and bump the generation (layers that keep
+    // computed places watch it).
+    void MarkChanged(MinorKind kind);
+    bool Changed(MinorKind kind) const { return kind == MinorKind::Asteroid ? m_asteroidsChanged : m_cometsChanged; }
+    std::uint64_t Generation() const { return m_generation; }
+    // Saves one list to its path (or to `path` when given, which becomes its
+    // path); the error text on failure.
+    std::optional<std::string> Save(MinorKind kind, const std::string& path = {});
+
+    // Entries whose designation matches the text: "Ceres", "(1) Ceres", "1",
+    // "2004 MN4"; "C/2020 F3", "12P", "1P/Halley", "Halley". Case-blind.
+    std::vector<std::size_t> FindAsteroids(std::string_view text) const;
+    std::vector<std::size_t> FindComets(std::string_view text) const;
+
+    // The orbit paths the charts draw (changing them bumps the generation).
+    const std::vector<MinorPathRequest>& OrbitPaths() const { return m_paths; }
+    void SetOrbitPaths(std::vector<MinorPathRequest> paths)
+    {
+        m_paths = std::move(paths);
+        ++m_generation;
+    }
+
+private:
+    std::string m_asteroidPath, m_cometPath;
+    bool m_loaded = false;
+    bool m_asteroidsChanged = false, m_cometsChanged = false;
+    std::uint64_t m_generation = 1;
+    std::vector<AsteroidElements> m_asteroids;
+    std::vector<CometElements> m_comets;
+    std::vector<MinorPathRequest> m_paths;
+};
+
+// The path a catalogue is read from: the configured one, else the data
+// file's ("asteroid.cat" or "comet.cat" in the data folders; where it would
+// be written when none exists yet).
+std::string DefaultCatalogPath(MinorKind kind);
+
+}  // namespace orv
