@@ -6,6 +6,7 @@
 #include <benchmark/benchmark.h>
 
 #include "observer/observer.h"
+#include "solarsystem/drawplanets.h"
 #include "solarsystem/moonseries.h"
 #include "solarsystem/planets.h"
 
@@ -56,6 +57,26 @@ void BM_AllBodiesApparent(benchmark::State& state)
     }
 }
 BENCHMARK(BM_AllBodiesApparent)->Unit(benchmark::kMicrosecond);
+
+// What a chart adds at a new instant for the planets' globes: Jupiter's
+// physical ephemeris, Saturn's ring, the four Galilean satellites (E5) and
+// Saturn's eight (each needs the two planets' light-time places again).
+void BM_GlobesAndSatellites(benchmark::State& state)
+{
+    if (!HaveSeries(state)) return;
+    orv::CObserverDoc observer;
+    orv::CPlanets planets;
+    double jdUT = 2460500.5;
+    for (auto _ : state) {
+        state.PauseTiming();
+        observer.SetJulianDate(jdUT);
+        planets.ComputeAll(observer, orv::PlaceCentre::Topocentric);
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(orv::GlobesOf(observer, planets));
+        jdUT += 0.37;
+    }
+}
+BENCHMARK(BM_GlobesAndSatellites)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

@@ -23,6 +23,7 @@
 #include "app/dialogs.h"
 #include "app/mapprint.h"
 #include "app/mapwindow.h"
+#include "app/planetwindows.h"
 #include "app/satellitewindows.h"
 #include "app/strings.h"
 #include "catalog/stars/stardesignation.h"
@@ -211,6 +212,10 @@ void CMainFrame::CreateMenus()
     view->addSeparator();
     view->addAction(m_visibleStarsAct);
     view->addAction(m_visibleDeepSkyAct);
+    QAction* visiblePlanets = view->addAction(tr("&Planets Visible on the Map..."));
+    connect(visiblePlanets, &QAction::triggered, this, [this] {
+        if (CMapWindow* w = ActiveMap()) ShowVisiblePlanets(this, *w, m_app);
+    });
     view->addAction(m_viewLevelsAct);
 
     QMenu* map = menuBar()->addMenu(tr("&Map"));
@@ -227,6 +232,19 @@ void CMainFrame::CreateMenus()
     map->addAction(m_constellationOptionsAct);
     map->addAction(m_deepSkyOptionsAct);
     map->addAction(m_gridOptionsAct);
+    map->addSeparator();
+    QAction* ephemeris = map->addAction(tr("Planet &Ephemeris..."));
+    connect(ephemeris, &QAction::triggered, this, [this] {
+        if (CMapWindow* w = ActiveMap()) ShowEphemeris(this, *w, m_app);
+    });
+    QAction* plotPath = map->addAction(tr("Plot Planet &Path..."));
+    connect(plotPath, &QAction::triggered, this, [this] {
+        if (CMapWindow* w = ActiveMap()) PlotPlanetPath(this, *w);
+    });
+    QAction* clearPaths = map->addAction(tr("C&lear Planet Paths"));
+    connect(clearPaths, &QAction::triggered, this, [this] {
+        if (CMapWindow* w = ActiveMap()) ClearPlanetPaths(*w);
+    });
 
     menuBar()->addMenu(m_satellites->Menu());
 

@@ -103,3 +103,70 @@ TEST(PlanetLayer, APlanetIsNeverSmallerThanAStarOfItsMagnitude)
     EXPECT_GT(brightestStarPx, trueRadiusPx);
     EXPECT_GE(jupiter->radiusPx, brightestStarPx);
 }
+
+// Saturn at a deep level, 2017 June 15 (opposition, the rings open by
+// B = +26.5°; 18.3″ across the globe, 41.6″ across the rings): the rings
+// are drawn out to 2.27 globe radii along their major axis and the sky
+// stays dark beyond them; Titan, 20 radii out, is drawn and recorded under
+// the satellites' source, and both Saturn and "titan" are found by name.
+TEST(PlanetLayer, SaturnIsDrawnWithItsRingsAndTitan)
+{
+    test::CSmallCatalogueChart chart(600, 600);
+    CObserverDoc& observer = chart.Doc().observer;
+    observer.SetJulianDate(2457919.5);
+    const FindResult found = chart.Components().objects.Resolve("Saturn", observer);
+    ASSERT_EQ(found.status, FindStatus::Found) << found.message;
+    CMapView& v = chart.View();
+    v.SetLevel(9, CMapView::TakeField::Yes);
+    v.coordinates.SetFieldDeg(0.1);  // 360″ across the shorter side: the globe some 30 px across
+    v.coordinates.SetCentreRaDec(observer, found.matches[0].raJ2000Rad, found.matches[0].decJ2000Rad);
+    v.coordinates.SetupSurface(600, 600);
+    v.planets.visible = 1;
+    v.planets.OnLevelChange(v.Level());
+    const QImage image = chart.Render();
+
+    const SceneObject* saturn = nullptr;
+    const SceneObject* titan = nullptr;
+    const auto* moonSource = chart.Components().objects.SourceOf<CPlanetMoonSource>();
+    ASSERT_NE(moonSource, nullptr);
+    const auto moonId = chart.Components().objects.IdOf(moonSource);
+    for (const SceneObject& o : chart.Renderer().LastScene().Objects()) {
+        if (o.Type() == ObjectType::Planet && o.key == static_cast<std::uint32_t>(kBodySaturn) && o.source != *moonId)
+            saturn = &o;
+        if (moonId && o.source == *moonId && o.key == 9) titan = &o;
+    }
+    ASSERT_NE(saturn, nullptr);
+    // The globe's radius on this chart, from the true apparent diameter.
+    const double globePx = 0.5 * 18.3 * kRadPerArcsec * v.coordinates.ScaleY();
+    ASSERT_GT(globePx, 8.0);
+    // The recorded extent is the rings'.
+    EXPECT_NEAR(saturn->radiusPx, 2.267 * globePx, 0.1 * globePx);
+
+    // Lit pixels around the centre, by distance in globe radii: some in the
+    // annulus of ring A/B beyond the globe (1.6–2.2 radii), none beyond 2.6.
+    const QColor sky = image.pixelColor(5, 5);
+    auto lit = [&](int x, int y) {
+        const QColor c = image.pixelColor(x, y);
+        return std::abs(c.red() - sky.red()) + std::abs(c.green() - sky.green()) + std::abs(c.blue() - sky.blue()) > 150;
+    };
+    int ringPixels = 0, beyondPixels = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const double r = std::hypot(x - saturn->xPx, y - saturn->yPx) / globePx;
+            if (r > 1.6 && r < 2.2 && lit(x, y)) ++ringPixels;
+            if (r > 2.6 && r < 4.0 && lit(x, y)) ++beyondPixels;
+        }
+    EXPECT_GT(ringPixels, 40) << "no ring drawn beyond the globe";
+    EXPECT_EQ(beyondPixels, 0);
+
+    ASSERT_NE(titan, nullptr);
+    const double titanRadii = std::hypot(titan->xPx - saturn->xPx, titan->yPx - saturn->yPx) / globePx;
+    EXPECT_GT(titanRadii, 3.0);
+    EXPECT_LT(titanRadii, 21.0);
+    const FindResult titanFound = chart.Components().objects.Resolve("titan", observer);
+    ASSERT_EQ(titanFound.status, FindStatus::Found) << titanFound.message;
+    EXPECT_NEAR(titanFound.matches[0].raJ2000Rad, titan->raJ2000Rad, 1e-9);
+    const auto description = chart.Components().objects.Describe(*titan, chart.Renderer().LastScene());
+    ASSERT_TRUE(description.has_value());
+    EXPECT_NE(description->information.find("Satellite of Saturn"), std::string::npos) << description->information;
+}
