@@ -96,7 +96,7 @@ int RunPlanet(Context& ctx)
         if (e.setJdUT) o["setJdUT"] = *e.setJdUT;
         if (e.kind == RiseTransitSet::Kind::AlwaysAbove) o["alwaysAbove"] = true;
         if (e.kind == RiseTransitSet::Kind::AlwaysBelow) o["alwaysBelow"] = true;
-        if (circumstances.cm1Deg) o["centralMeridian1Deg"] = *circumstances.cm1Deg;
+        if (circumstances.cm1Deg) o[*body == kBodyMars ? "centralMeridianDeg" : "centralMeridian1Deg"] = *circumstances.cm1Deg;
         if (circumstances.cm2Deg) o["centralMeridian2Deg"] = *circumstances.cm2Deg;
         if (circumstances.grsTransitJdUT) {
             o["grsLongitudeDeg"] = grs;
@@ -153,7 +153,7 @@ ORV_CLI_COMMAND("planet", "apparent place, distance, phase and magnitude of the 
                 "JSON keys: raDeg, decDeg (true equator and equinox of date), raJ2000Deg, decJ2000Deg, distanceAU,\n"
                 "distanceKm, lightTimeSeconds, sunDistanceAU, phaseAngleDeg, illuminatedFraction, elongationDeg,\n"
                 "apparentDiameterArcsec, magnitude, constellation, riseJdUT, transitJdUT, setJdUT (the local day's; alwaysAbove or\n"
-                "alwaysBelow instead), poleAngleDeg; Saturn also ringTiltDeg, ringDeltaUDeg; Jupiter centralMeridian1Deg,\n"
+                "alwaysBelow instead), poleAngleDeg; Mars centralMeridianDeg; Saturn also ringTiltDeg, ringDeltaUDeg; Jupiter centralMeridian1Deg,\n"
                 "centralMeridian2Deg, grsLongitudeDeg (setting \"GRSLong\" of section \"Planet\") and grsTransitJdUT.\n",
                 RunPlanet);
 

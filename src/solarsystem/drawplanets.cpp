@@ -77,9 +77,10 @@ double ApparentPolarRatio(double axisRatio, double tiltRad)
 }
 
 // Saturn in its own frame (units of the equatorial radius, +y the north
-// pole): the half of the rings beyond the globe, the globe, then the near
-// half over it. With B > 0 the north face of the rings is seen and their
-// northern half lies beyond the planet.
+// pole): the rings, the globe over them, then the near half of the rings
+// again where it crosses the globe. With B > 0 the north face of the rings
+// is seen and their southern half is the nearer. (Drawing each half clipped
+// at the major axis would leave a seam of half-covered pixels along it.)
 void DrawSaturnFigure(QPainter& p, const SaturnRingView& ring, const ChartPalette& palette)
 {
     const double ratio = std::sin(std::fabs(ring.earthTiltRad));
@@ -88,22 +89,23 @@ void DrawSaturnFigure(QPainter& p, const SaturnRingView& ring, const ChartPalett
     QPainterPath rings = Annulus(kSaturnRingAInner, kSaturnRingAOuter, ratio);
     rings.addPath(Annulus(kSaturnRingBInner, kSaturnRingBOuter, ratio));
     const QPainterPath ringC = Annulus(kSaturnRingCInner, kSaturnRingBInner, ratio);
-    const double far = ring.earthTiltRad >= 0.0 ? 1.0 : -1.0;
-    auto half = [&](double side) {
-        QPainterPath clip;
-        clip.addRect(QRectF(-3.0, side > 0 ? 0.0 : -3.0, 6.0, 3.0));
-        p.save();
-        p.setClipPath(clip, Qt::IntersectClip);
+    auto drawRings = [&] {
         p.setBrush(crepe);
         p.drawPath(ringC);
         p.setBrush(ringColour);
         p.drawPath(rings);
-        p.restore();
     };
-    half(far);
+    drawRings();
+    QPainterPath globe;
+    globe.addEllipse(QPointF(0, 0), 1.0, ApparentPolarRatio(0.902, ring.earthTiltRad));
     p.setBrush(palette.planetLit);
-    p.drawEllipse(QPointF(0, 0), 1.0, ApparentPolarRatio(0.902, ring.earthTiltRad));
-    half(-far);
+    p.drawPath(globe);
+    QPainterPath nearHalf;
+    nearHalf.addRect(QRectF(-3.0, ring.earthTiltRad >= 0.0 ? -3.0 : 0.0, 6.0, 3.0));
+    p.save();
+    p.setClipPath(globe.intersected(nearHalf), Qt::IntersectClip);
+    drawRings();
+    p.restore();
 }
 
 // Jupiter in its own frame: the globe, the two main belts and the
@@ -140,7 +142,11 @@ void DrawJupiterFigure(QPainter& p, const JupiterPhysical& jupiter, bool belts, 
         // About 16,000 km by 12,000 km: 0.22 by 0.085 radius, foreshortened
         // toward the limb.
         const double foreshorten = std::sqrt(std::max(0.0, 1.0 - spot.xRadii * spot.xRadii / (0.924 * 0.924)));
-        p.setBrush(Mix(palette.planetLit, palette.planetDark, 0.7));
+        // Brick red on the normal scheme; the lit colour's own hue on the
+        // others (pure red at night, black on white).
+        const QColor lit = palette.planetLit;
+        const QColor red = QColor::fromRgbF(lit.redF() * 0.85f, lit.greenF() * 0.4f, lit.blueF() * 0.3f);
+        p.setBrush(Mix(red, palette.planetDark, 0.25));
         p.drawEllipse(QPointF(spot.xRadii, spot.yRadii * polar), 0.11 * std::max(foreshorten, 0.15), 0.085);
     }
     p.restore();

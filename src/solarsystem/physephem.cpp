@@ -122,6 +122,55 @@ std::optional<JupiterPhysical> JupiterPhysicalMeeus(const CPlanets& planets, con
     return out;
 }
 
+std::optional<MarsPhysical> MarsPhysicalMeeus(const CPlanets& planets, const CObserverDoc& observer, double jdTT)
+{
+    if (!std::isfinite(jdTT)) return std::nullopt;
+    GeocentricGeometry g;
+    if (!GeocentricGeometryOf(planets, observer, kBodyMars, jdTT, g)) return std::nullopt;
+    const double T = (jdTT - 2451545.0) / 36525.0;
+    double lambda0 = (352.9065 + 1.1733 * T) * kDeg;
+    const double beta0 = (63.2818 - 0.00394 * T) * kDeg;
+    double lambda = std::atan2(g.y, g.x);
+    double beta = std::atan2(g.z, std::hypot(g.x, g.y));
+    MarsPhysical out;
+    out.earthDeclinationRad = std::asin(-std::sin(beta0) * std::sin(beta) -
+                                        std::cos(beta0) * std::cos(beta) * std::cos(lambda0 - lambda));
+    const double l = g.planet.lRad, b = g.planet.bRad, r = g.planet.rAU;
+    const double N = (49.5581 + 0.7721 * T) * kDeg;
+    const double lp = l - 0.00697 * kDeg / r;
+    const double bp = b - 0.000225 * kDeg * std::cos(l - N) / r;
+    out.sunDeclinationRad = std::asin(-std::sin(beta0) * std::sin(bp) - std::cos(beta0) * std::cos(bp) * std::cos(lambda0 - lp));
+    // The prime meridian's rotation from 1950 at the light-time instant, and
+    // the angle ζ from the node of Mars's equator on the Earth's (steps 9–12).
+    const double tau = g.distanceAU / kLightAUPerDay;
+    const double W = (11.504 + 350.89200025 * (jdTT - tau - 2433282.5)) * kDeg;
+    const double eps0 = observer.MeanObliquity(jdTT);
+    double ra0, dec0;
+    EclipticToEquatorial(lambda0, beta0, eps0, ra0, dec0);
+    const double u = g.y * std::cos(eps0) - g.z * std::sin(eps0);
+    const double v = g.y * std::sin(eps0) + g.z * std::cos(eps0);
+    const double ra = std::atan2(u, g.x);
+    const double dec = std::atan2(v, std::hypot(g.x, u));
+    const double zeta = std::atan2(std::sin(dec0) * std::cos(dec) * std::cos(ra0 - ra) - std::sin(dec) * std::cos(dec0),
+                                   std::cos(dec) * std::sin(ra0 - ra));
+    out.centralMeridianRad = Wrap2Pi(W - zeta);
+    // Steps 13–17: P from the apparent places.
+    double dPsi = 0.0, dEps = 0.0;
+    observer.NutationTerms(jdTT, dPsi, dEps);
+    const double l0 = g.earth.lRad;
+    const double ab = 0.005693 * kDeg;
+    const double dLambda = ab * std::cos(l0 - lambda) / std::cos(beta);
+    beta += ab * std::sin(l0 - lambda) * std::sin(beta);
+    lambda += dLambda + dPsi;
+    lambda0 += dPsi;
+    const double eps = eps0 + dEps;
+    double ra0a, dec0a, raa, deca;
+    EclipticToEquatorial(lambda0, beta0, eps, ra0a, dec0a);
+    EclipticToEquatorial(lambda, beta, eps, raa, deca);
+    out.poleAngleRad = Wrap2Pi(PoleAngleRad(ra0a, dec0a, raa, deca));
+    return out;
+}
+
 std::optional<SaturnRingView> SaturnRingViewMeeus(const CPlanets& planets, const CObserverDoc& observer, double jdTT)
 {
     if (!std::isfinite(jdTT)) return std::nullopt;

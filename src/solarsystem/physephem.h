@@ -45,6 +45,19 @@ struct JupiterPhysical {
 // Nothing when the planets' positions are unavailable for jdTT.
 std::optional<JupiterPhysical> JupiterPhysicalMeeus(const CPlanets& planets, const CObserverDoc& observer, double jdTT);
 
+// Mars seen from the Earth (Meeus ch. 42, with the constants the program
+// binds: pole λ0 = 352.9065° + 1.1733° T, β0 = 63.2818° − 0.00394° T on the
+// ecliptic of date; node N = 49.5581° + 0.7721° T; the light-time place
+// corrected by −0.00697°/r in longitude and −0.000225°·cos(l − N)/r in
+// latitude for the Sun's direction).
+struct MarsPhysical {
+    double earthDeclinationRad = 0.0;  // DE, areocentric declination of the Earth
+    double sunDeclinationRad = 0.0;    // DS
+    double centralMeridianRad = 0.0;   // ω, areographic longitude of the central meridian, [0, 2π)
+    double poleAngleRad = 0.0;         // P, [0, 2π)
+};
+std::optional<MarsPhysical> MarsPhysicalMeeus(const CPlanets& planets, const CObserverDoc& observer, double jdTT);
+
 // Saturn's ring seen from the Earth (Meeus ch. 45).
 struct SaturnRingView {
     double earthTiltRad = 0.0;   // B, Saturnicentric latitude of the Earth on the ring plane (+: north face seen)

@@ -122,11 +122,16 @@ BodyCircumstances ComputeCircumstances(const CObserverDoc& site, int body, doubl
     BodyCircumstances c;
     c.constellation = ConstellationAbbreviationAt(site, raJ2000Rad, decJ2000Rad);
     c.events = BodyRiseTransitSet(site, body, LocalDayStartJdUT(site, site.JulianDate()));
-    if (body != kBodyJupiter && body != kBodySaturn) return c;
+    if (body != kBodyJupiter && body != kBodySaturn && body != kBodyMars) return c;
     CPlanets planets;
     const double jdTT = site.JulianDateTDT();
     const double deltaTDays = site.DeltaT() / kSecondsPerDay;
-    if (body == kBodyJupiter) {
+    if (body == kBodyMars) {
+        if (const auto m = MarsPhysicalMeeus(planets, site, jdTT)) {
+            c.cm1Deg = m->centralMeridianRad * kDegPerRad;
+            c.poleAngleDeg = m->poleAngleRad * kDegPerRad;
+        }
+    } else if (body == kBodyJupiter) {
         if (const auto j = JupiterPhysicalMeeus(planets, site, jdTT)) {
             c.cm1Deg = j->centralMeridian1Rad * kDegPerRad;
             c.cm2Deg = j->centralMeridian2Rad * kDegPerRad;
@@ -159,6 +164,8 @@ std::string CircumstancesText(const BodyCircumstances& c, int body, double local
     }
     if (c.cm1Deg && c.cm2Deg)
         text += Format("\nCentral meridian: System I %.1f\xC2\xB0, System II %.1f\xC2\xB0", *c.cm1Deg, *c.cm2Deg);
+    else if (c.cm1Deg)
+        text += Format("\nCentral meridian: %.1f\xC2\xB0", *c.cm1Deg);
     if (body == kBodyJupiter && c.grsTransitJdUT)
         text += Format("\nGreat Red Spot (%.1f\xC2\xB0) transits ", grsLongitudeDeg) +
                 FormatDate(*c.grsTransitJdUT, localOffsetHours);

@@ -37,11 +37,12 @@ std::string ConstellationAbbreviationAt(const CObserverDoc& observer, double raJ
 
 // What the read-out and `orvane-cli planet` add to a body's place for a
 // site: its constellation, the rise, transit and set of the local day, and
-// for Jupiter the central meridians and the Great Red Spot's next transit.
+// for Mars and Jupiter the central meridians, for Jupiter the Great Red
+// Spot's next transit.
 struct BodyCircumstances {
     std::string constellation;
     RiseTransitSet events;
-    std::optional<double> cm1Deg, cm2Deg;       // Jupiter: System I and II central meridians
+    std::optional<double> cm1Deg, cm2Deg;       // Jupiter: System I and II central meridians; Mars: cm1Deg
     std::optional<double> grsTransitJdUT;       // Jupiter: next transit of the spot
     std::optional<double> poleAngleDeg;         // Jupiter, Saturn: P
 };

@@ -4,11 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 
 #include "catalog/stars/stardisplay.h"
 #include "map/chartframe.h"
 #include "map/drawcontext.h"
 #include "renderfixture.h"
+#include "solarsystem/physephem.h"
 #include "solarsystem/planets.h"
 #include "solarsystem/planetsource.h"
 #include "support/compare.h"
@@ -118,12 +120,14 @@ TEST(PlanetLayer, SaturnIsDrawnWithItsRingsAndTitan)
     ASSERT_EQ(found.status, FindStatus::Found) << found.message;
     CMapView& v = chart.View();
     v.SetLevel(9, CMapView::TakeField::Yes);
-    v.coordinates.SetFieldDeg(0.1);  // 360″ across the shorter side: the globe some 30 px across
+    v.coordinates.SetFieldDeg(0.05);  // 3′ from the centre to the top edge: the globe some 30 px across
     v.coordinates.SetCentreRaDec(observer, found.matches[0].raJ2000Rad, found.matches[0].decJ2000Rad);
     v.coordinates.SetupSurface(600, 600);
     v.planets.visible = 1;
     v.planets.OnLevelChange(v.Level());
+    v.planets.labelled = false;
     const QImage image = chart.Render();
+    if (const char* dump = std::getenv("ORVANE_TEST_DUMP")) image.save(QString::fromLocal8Bit(dump));
 
     const SceneObject* saturn = nullptr;
     const SceneObject* titan = nullptr;
@@ -142,22 +146,44 @@ TEST(PlanetLayer, SaturnIsDrawnWithItsRingsAndTitan)
     // The recorded extent is the rings'.
     EXPECT_NEAR(saturn->radiusPx, 2.267 * globePx, 0.1 * globePx);
 
-    // Lit pixels around the centre, by distance in globe radii: some in the
-    // annulus of ring A/B beyond the globe (1.6–2.2 radii), none beyond 2.6.
+    // Along the pole (position angle P; north up, east left on this chart)
+    // the sky is dark at 1.5 radii on both sides, beyond the globe and the
+    // rings' minor axis. With B = +26.5° the near (southern) half of
+    // ring B crosses the globe 0.78 radii south of the centre, drawn in the
+    // rings' colour, while 0.78 radii north the globe hides the far half.
+    CPlanets planets;
+    const auto ring = SaturnRingViewMeeus(planets, observer, observer.JulianDateTDT());
+    ASSERT_TRUE(ring.has_value());
+    EXPECT_NEAR(ring->earthTiltRad / kRadPerDeg, 26.5, 0.3);
+    const double P = ring->poleAngleRad;
+    const double poleX = -std::sin(P), poleY = -std::cos(P);
+    const double eqX = -std::cos(P), eqY = std::sin(P);
     const QColor sky = image.pixelColor(5, 5);
-    auto lit = [&](int x, int y) {
-        const QColor c = image.pixelColor(x, y);
-        return std::abs(c.red() - sky.red()) + std::abs(c.green() - sky.green()) + std::abs(c.blue() - sky.blue()) > 150;
+    auto at = [&](double alongEq, double alongPole) {
+        return image.pixelColor(static_cast<int>(std::lround(saturn->xPx + globePx * (alongEq * eqX + alongPole * poleX))),
+                                static_cast<int>(std::lround(saturn->yPx + globePx * (alongEq * eqY + alongPole * poleY))));
     };
-    int ringPixels = 0, beyondPixels = 0;
+    auto lit = [&](const QColor& c) { return c.red() - sky.red() > 120 && c.green() - sky.green() > 120; };
+    // Lit pixels by distance from the centre in globe radii: many in the
+    // band of ring A (2.05–2.25, where only the rings can be), none in a band
+    // just beyond the rings (2.45–2.75) but for a satellite's dot (Mimas
+    // and Enceladus stand 3 to 4 radii out, their dots 2 px across).
+    int ringA = 0, beyond = 0;
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x) {
             const double r = std::hypot(x - saturn->xPx, y - saturn->yPx) / globePx;
-            if (r > 1.6 && r < 2.2 && lit(x, y)) ++ringPixels;
-            if (r > 2.6 && r < 4.0 && lit(x, y)) ++beyondPixels;
+            if (r > 2.05 && r < 2.25 && lit(image.pixelColor(x, y))) ++ringA;
+            if (r > 2.45 && r < 2.75 && lit(image.pixelColor(x, y))) ++beyond;
         }
-    EXPECT_GT(ringPixels, 40) << "no ring drawn beyond the globe";
-    EXPECT_EQ(beyondPixels, 0);
+    EXPECT_GT(ringA, 20);
+    EXPECT_LE(beyond, 12);
+    EXPECT_FALSE(lit(at(0.0, 1.5)));
+    EXPECT_FALSE(lit(at(0.0, -1.5)));
+    const QColor nearRing = at(0.0, -0.78), farGlobe = at(0.0, 0.78);
+    const QColor globeColour = image.pixelColor(static_cast<int>(saturn->xPx), static_cast<int>(saturn->yPx));
+    EXPECT_TRUE(lit(nearRing) && lit(farGlobe));
+    EXPECT_EQ(farGlobe, globeColour);
+    EXPECT_NE(nearRing, globeColour);
 
     ASSERT_NE(titan, nullptr);
     const double titanRadii = std::hypot(titan->xPx - saturn->xPx, titan->yPx - saturn->yPx) / globePx;

@@ -2,6 +2,8 @@
 // the worked examples of Meeus, Astronomical Algorithms, 2nd ed. (1998):
 //   example 43.a  Jupiter, 1992 December 16.0 UT (JDE 2448972.50068): DS = −2.20°, DE = −2.48°,
 //                 ω1 = 268.06°, ω2 = 72.74°, P = 24.80°;
+//   example 42.a  Mars, 1992 November 9.0 UT (JDE 2448935.500683):
+//                 DE = +12.44°, DS = −2.76°, ω = 111.55°, P = 347.64°;
 //   example 45.a  Saturn's ring, 1992 December 16.0 TD: B = 16.442°,
 //                 B′ = 14.679°, ΔU = 4.198°, P = 6.741°, a = 35.87″, b = 10.15″;
 //   example 44.b  the Galilean satellites by E5, 1992 December 16.0 UT
@@ -60,6 +62,17 @@ TEST_F(PhysicalEphemeris, JupiterOfMeeusExample43a)
     EXPECT_ANGLE_NEAR(268.06 * kDeg, j->centralMeridian1Rad, 0.006 * kDeg, kDegFromRad);
     EXPECT_ANGLE_NEAR(72.74 * kDeg, j->centralMeridian2Rad, 0.006 * kDeg, kDegFromRad);
     EXPECT_ANGLE_NEAR(24.80 * kDeg, j->poleAngleRad, 0.006 * kDeg, kDegFromRad);
+}
+
+TEST_F(PhysicalEphemeris, MarsOfMeeusExample42a)
+{
+    const auto m = MarsPhysicalMeeus(m_planets, m_observer, 2448935.500683);
+    ASSERT_TRUE(m.has_value());
+    // Printed to 0.01° (ω turns 0.01° in 2.5 s).
+    EXPECT_NEAR_UNIT(12.44 * kDeg, m->earthDeclinationRad, 0.006 * kDeg, kDegFromRad);
+    EXPECT_NEAR_UNIT(-2.76 * kDeg, m->sunDeclinationRad, 0.006 * kDeg, kDegFromRad);
+    EXPECT_ANGLE_NEAR(111.55 * kDeg, m->centralMeridianRad, 0.006 * kDeg, kDegFromRad);
+    EXPECT_ANGLE_NEAR(347.64 * kDeg, m->poleAngleRad, 0.006 * kDeg, kDegFromRad);
 }
 
 TEST_F(PhysicalEphemeris, SaturnRingOfMeeusExample45a)
