@@ -11,6 +11,7 @@
 #include "map/drawcontext.h"
 #include "renderfixture.h"
 #include "solarsystem/physephem.h"
+#include "solarsystem/planetephemeris.h"
 #include "solarsystem/planets.h"
 #include "solarsystem/planetsource.h"
 #include "support/compare.h"
@@ -195,4 +196,14 @@ TEST(PlanetLayer, SaturnIsDrawnWithItsRingsAndTitan)
     const auto description = chart.Components().objects.Describe(*titan, chart.Renderer().LastScene());
     ASSERT_TRUE(description.has_value());
     EXPECT_NE(description->information.find("Satellite of Saturn"), std::string::npos) << description->information;
+
+    // "Planets Visible on the Map" lists Saturn and Titan from the scene.
+    const std::vector<VisiblePlanetRow> rows = VisiblePlanetRows(chart.Renderer().LastScene(), chart.Components().objects);
+    bool listedSaturn = false, listedTitan = false;
+    for (const VisiblePlanetRow& r : rows) {
+        listedSaturn |= r.name == "Saturn" && r.kind == "Planet";
+        listedTitan |= r.name == "Titan" && r.kind == "Satellite of Saturn" && r.raJ2000Rad == titan->raJ2000Rad;
+    }
+    EXPECT_TRUE(listedSaturn && listedTitan);
+    EXPECT_EQ(VisiblePlanetsTable(rows).rows.size(), rows.size());
 }
