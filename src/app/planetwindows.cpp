@@ -145,14 +145,17 @@ CEphemerisDialog::CEphemerisDialog(const CObserverDoc& site, CAppContext& app, Q
     m_step->setValue(1.0);
     m_step->setSuffix(tr(" d"));
     m_topocentric = new QCheckBox(tr("&Topocentric"), this);
-    controls->addWidget(new QLabel(tr("&Body:"), this));
-    controls->addWidget(m_body);
-    controls->addWidget(new QLabel(tr("&From:"), this));
-    controls->addWidget(m_from);
-    controls->addWidget(new QLabel(tr("&To:"), this));
-    controls->addWidget(m_to);
-    controls->addWidget(new QLabel(tr("&Step:"), this));
-    controls->addWidget(m_step);
+    // Each label's mnemonic moves to the field beside it.
+    auto labelled = [&](const QString& text, QWidget* field) {
+        auto* label = new QLabel(text, this);
+        label->setBuddy(field);
+        controls->addWidget(label);
+        controls->addWidget(field);
+    };
+    labelled(tr("&Body:"), m_body);
+    labelled(tr("&From:"), m_from);
+    labelled(tr("&To:"), m_to);
+    labelled(tr("&Step:"), m_step);
     controls->addWidget(m_topocentric);
     auto* compute = new QPushButton(tr("&Compute"), this);
     compute->setDefault(true);
