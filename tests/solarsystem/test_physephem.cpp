@@ -103,6 +103,25 @@ TEST_F(PhysicalEphemeris, GalileanSatellitesOfMeeusExample44b)
     }
 }
 
+// Meeus ch. 44, the exercise of p. 314: on 1988 November 23 Ganymede passes
+// the line through Jupiter's centre (X = 0) at 7h28m UT and Callisto at
+// 5h15m UT (ΔT = 56 s). Ganymede's X changes 0.009 radius a minute there and
+// Callisto's 0.007: held to 0.012 radius, a minute and a half of time.
+TEST_F(PhysicalEphemeris, GalileanConjunctionsOfMeeusExercise44)
+{
+    const double day = 2447488.5, deltaT = 56.0 / 86400.0;
+    const auto at728 = GalileanSatellitesE5(m_planets, m_observer, day + (7.0 + 28.0 / 60.0) / 24.0 + deltaT);
+    const auto at515 = GalileanSatellitesE5(m_planets, m_observer, day + (5.0 + 15.0 / 60.0) / 24.0 + deltaT);
+    ASSERT_TRUE(at728 && at515);
+    EXPECT_NEAR_UNIT(0.0, (*at728)[2].xRadii, 0.012, kRadii);
+    EXPECT_NEAR_UNIT(0.0, (*at515)[3].xRadii, 0.012, kRadii);
+    // Ganymede an hour either side is well off the line, on opposite sides.
+    const auto before = GalileanSatellitesE5(m_planets, m_observer, day + 6.47 / 24.0 + deltaT);
+    const auto after = GalileanSatellitesE5(m_planets, m_observer, day + 8.47 / 24.0 + deltaT);
+    ASSERT_TRUE(before && after);
+    EXPECT_LT((*before)[2].xRadii * (*after)[2].xRadii, -0.1);
+}
+
 TEST_F(PhysicalEphemeris, SaturnSatellitesOfMeeusExample46a)
 {
     const auto moons = SaturnSatellitesMeeus(m_planets, m_observer, 2451439.50074);
@@ -155,4 +174,35 @@ TEST(SatelliteOffsets, PoleAngleTurnsMeeusAxesOntoTheSky)
     EXPECT_EQ(ChartSatelliteFromName("TITAN"), 9);
     EXPECT_EQ(ChartSatelliteFromName("io"), 0);
     EXPECT_FALSE(ChartSatelliteFromName("Hyperion").has_value());
+}
+
+// The satellites are set on the sky at their Meeus offsets times the
+// planet's apparent radius, whatever the planet's declination: Titan from
+// Saturn at −22° (2017 June 15) and Callisto from Jupiter at +22° (2026
+// January 10), the great-circle separation against √(X² + Y²) radii, to
+// 0.1 % (the offsets are laid off in the tangent plane).
+TEST_F(PhysicalEphemeris, SatellitesStandAtTheirOffsetsOnTheSky)
+{
+    for (const double jdTT : {2457919.5, 2461050.5}) {
+        SCOPED_TRACE(jdTT);
+        double ra = 0.0, dec = 0.0;
+        ASSERT_EQ(m_planets.ApparentPosition(m_observer, kBodyJupiter, jdTT, ra, dec, PlaceCentre::Geocentric),
+                  PositionStatus::Ok);
+        ASSERT_EQ(m_planets.ApparentPosition(m_observer, kBodySaturn, jdTT, ra, dec, PlaceCentre::Geocentric),
+                  PositionStatus::Ok);
+        const auto j = JupiterPhysicalMeeus(m_planets, m_observer, jdTT);
+        const auto s = SaturnRingViewMeeus(m_planets, m_observer, jdTT);
+        ASSERT_TRUE(j && s);
+        const SatellitePlaces places = PlaceChartSatellites(m_planets, m_observer, jdTT, j->poleAngleRad, s->poleAngleRad);
+        for (const int k : {3, 9}) {  // Callisto, Titan
+            const SatellitePlace& p = places.satellites[static_cast<std::size_t>(k)];
+            ASSERT_TRUE(p.valid);
+            const PlanetRecord& planet = m_planets.Record(ChartSatellite(k).planet);
+            const double separation =
+                std::acos(std::sin(p.decRad) * std::sin(planet.decRad) +
+                          std::cos(p.decRad) * std::cos(planet.decRad) * std::cos(p.raRad - planet.raRad));
+            const double expected = std::hypot(p.xyz.xRadii, p.xyz.yRadii) * 0.5 * planet.apparentDiameterRad;
+            EXPECT_NEAR_UNIT(expected, separation, 1e-3 * expected, kArcsecFromRad);
+        }
+    }
 }
