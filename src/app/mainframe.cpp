@@ -216,6 +216,18 @@ void CMainFrame::CreateMenus()
     connect(visiblePlanets, &QAction::triggered, this, [this] {
         if (CMapWindow* w = ActiveMap()) ShowVisiblePlanets(this, *w, m_app);
     });
+    // Jupiter's belts on its disc at deep levels: a program setting
+    // ("JupiterBelts" of section "Planet"), applied to the active chart.
+    QAction* belts = view->addAction(tr("Jupiter's &Belts"));
+    belts->setCheckable(true);
+    belts->setChecked(m_app.Settings().GetInt("Planet", "JupiterBelts", 1) != 0);
+    connect(belts, &QAction::toggled, this, [this](bool on) {
+        m_app.Settings().SetInt("Planet", "JupiterBelts", on ? 1 : 0);
+        if (CMapWindow* w = ActiveMap()) {
+            w->Doc().solarSystem.jupiterBelts = on;
+            w->RequestRedraw();
+        }
+    });
     view->addAction(m_viewLevelsAct);
 
     QMenu* map = menuBar()->addMenu(tr("&Map"));

@@ -528,10 +528,10 @@ SatellitePlaces PlaceChartSatellites(const CPlanets& planets, const CObserverDoc
         place.decRad = r.decRad + north * radiusRad;
         place.raRad = r.raRad + east * radiusRad / std::cos(r.decRad);
         // The satellite's distances are the planet's to within a few
-        // thousandths; the phase angle is the planet's.
-        const double phaseDeg = r.phaseAngleRad * kDegPerRad;
-        place.magnitude = info.absoluteMagnitude + 5.0 * std::log10(r.sunDistanceAU * r.earthDistance) +
-                          (isJupiter ? 0.01 : 0.02) * phaseDeg;
+        // thousandths. The brightness is that of opposition: the phase law
+        // (up to a few tenths of a magnitude at Jupiter's largest phase
+        // angle, 12°) is left out.
+        place.magnitude = info.absoluteMagnitude + 5.0 * std::log10(r.sunDistanceAU * r.earthDistance);
         // Behind the globe: farther than the centre and within the
         // (flattened) disc.
         const double flat = isJupiter ? 0.935 : 0.902;
