@@ -7,6 +7,7 @@
 #include <benchmark/benchmark.h>
 
 #include "observer/observer.h"
+#include "solarsystem/drawplanets.h"
 #include "solarsystem/moonseries.h"
 #include "solarsystem/planets.h"
 
@@ -128,6 +129,26 @@ void BM_AllBodiesApparent(benchmark::State& state)
     state.SetLabel(compact ? "compact ephemeris" : "VSOP87");
 }
 BENCHMARK(BM_AllBodiesApparent)->Arg(1)->Arg(0)->Unit(benchmark::kMicrosecond);
+
+// What a chart adds at a new instant for the planets' globes: Jupiter's
+// physical ephemeris, Saturn's ring, the four Galilean satellites (E5) and
+// Saturn's eight (each needs the two planets' light-time places again).
+void BM_GlobesAndSatellites(benchmark::State& state)
+{
+    if (!HaveSeries(state)) return;
+    orv::CObserverDoc observer;
+    orv::CPlanets planets;
+    double jdUT = 2460500.5;
+    for (auto _ : state) {
+        state.PauseTiming();
+        observer.SetJulianDate(jdUT);
+        planets.ComputeAll(observer, orv::PlaceCentre::Topocentric);
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(orv::GlobesOf(observer, planets));
+        jdUT += 0.37;
+    }
+}
+BENCHMARK(BM_GlobesAndSatellites)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

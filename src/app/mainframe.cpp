@@ -24,6 +24,7 @@
 #include "app/mapprint.h"
 #include "app/mapwindow.h"
 #include "app/minorwindows.h"
+#include "app/planetwindows.h"
 #include "app/satellitewindows.h"
 #include "app/strings.h"
 #include "catalog/stars/stardesignation.h"
@@ -213,6 +214,22 @@ void CMainFrame::CreateMenus()
     view->addSeparator();
     view->addAction(m_visibleStarsAct);
     view->addAction(m_visibleDeepSkyAct);
+    QAction* visiblePlanets = view->addAction(tr("&Planets Visible on the Map..."));
+    connect(visiblePlanets, &QAction::triggered, this, [this] {
+        if (CMapWindow* w = ActiveMap()) ShowVisiblePlanets(this, *w, m_app);
+    });
+    // Jupiter's belts on its disc at deep levels: a program setting
+    // ("JupiterBelts" of section "Planet"), applied to the active chart.
+    QAction* belts = view->addAction(tr("Jupiter's &Belts"));
+    belts->setCheckable(true);
+    belts->setChecked(m_app.Settings().GetInt("Planet", "JupiterBelts", 1) != 0);
+    connect(belts, &QAction::toggled, this, [this](bool on) {
+        m_app.Settings().SetInt("Planet", "JupiterBelts", on ? 1 : 0);
+        if (CMapWindow* w = ActiveMap()) {
+            w->Doc().solarSystem.jupiterBelts = on;
+            w->RequestRedraw();
+        }
+    });
     view->addAction(m_viewLevelsAct);
 
     QMenu* map = menuBar()->addMenu(tr("&Map"));
@@ -229,6 +246,19 @@ void CMainFrame::CreateMenus()
     map->addAction(m_constellationOptionsAct);
     map->addAction(m_deepSkyOptionsAct);
     map->addAction(m_gridOptionsAct);
+    map->addSeparator();
+    QAction* ephemeris = map->addAction(tr("Planet &Ephemeris..."));
+    connect(ephemeris, &QAction::triggered, this, [this] {
+        if (CMapWindow* w = ActiveMap()) ShowEphemeris(this, *w, m_app);
+    });
+    QAction* plotPath = map->addAction(tr("Plot Planet &Path..."));
+    connect(plotPath, &QAction::triggered, this, [this] {
+        if (CMapWindow* w = ActiveMap()) PlotPlanetPath(this, *w);
+    });
+    QAction* clearPaths = map->addAction(tr("C&lear Planet Paths"));
+    connect(clearPaths, &QAction::triggered, this, [this] {
+        if (CMapWindow* w = ActiveMap()) ClearPlanetPaths(*w);
+    });
 
     menuBar()->addMenu(m_minor->Menu());
     menuBar()->addMenu(m_satellites->Menu());

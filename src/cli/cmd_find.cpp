@@ -38,6 +38,11 @@ int RunFind(Context& ctx)
     request.jdUT = observer.JulianDate();
     request.jdTT = observer.JulianDateTDT();
     request.style = ~0u;  // names shown, constellations abbreviated
+    request.hasSite = true;
+    request.latitudeRad = observer.LatitudeRad();
+    request.longitudeRad = observer.LongitudeRad();
+    request.heightM = observer.HeightM();
+    request.localOffsetHours = observer.LocalOffsetHours();
     const auto description = source != nullptr ? source->Describe(m.key, request) : std::nullopt;
 
     // The apparent place of date and where it stands in the sky of the site.

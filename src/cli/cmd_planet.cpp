@@ -13,6 +13,7 @@
 #include "cli/cli.h"
 #include "cli/options.h"
 #include "observer/observer.h"
+#include "solarsystem/planetephemeris.h"
 #include "solarsystem/planets.h"
 #include "solarsystem/planetsource.h"
 #include "util/angles.h"
@@ -41,6 +42,7 @@ int RunPlanet(Context& ctx)
     const PlaceCentre centre = ctx.args.Has("topocentric") ? PlaceCentre::Topocentric : PlaceCentre::Geocentric;
 
     CPlanets planets;
+    planets.LoadSettings(ctx.settings);
     const double jdTT = doc.JulianDateTDT();
     double ra = 0.0, dec = 0.0, km = 0.0;
     const PositionStatus status = *body == kBodyMoon ? planets.MoonPosition(doc, jdTT, ra, dec, km, centre)
@@ -55,6 +57,8 @@ int RunPlanet(Context& ctx)
     double raJ2000 = 0.0, decJ2000 = 0.0;
     DateToJ2000(doc, jdTT, ra, dec, raJ2000, decJ2000);
     const bool moon = *body == kBodyMoon;
+    const double grs = planets.GreatRedSpotLongitudeDeg();
+    const BodyCircumstances circumstances = ComputeCircumstances(doc, *body, raJ2000, decJ2000, grs);
     const double distanceAU = moon ? r.earthDistance / kAstronomicalUnitKmIAU2012 : r.earthDistance;
 
     if (ctx.json) {
@@ -85,6 +89,20 @@ int RunPlanet(Context& ctx)
             o["ringTiltDeg"] = r.ringTiltRad * kDegPerRad;
             o["ringDeltaUDeg"] = r.ringDeltaURad * kDegPerRad;
         }
+        if (!circumstances.constellation.empty()) o["constellation"] = QString::fromStdString(circumstances.constellation);
+        const RiseTransitSet& e = circumstances.events;
+        if (e.riseJdUT) o["riseJdUT"] = *e.riseJdUT;
+        if (e.transitJdUT) o["transitJdUT"] = *e.transitJdUT;
+        if (e.setJdUT) o["setJdUT"] = *e.setJdUT;
+        if (e.kind == RiseTransitSet::Kind::AlwaysAbove) o["alwaysAbove"] = true;
+        if (e.kind == RiseTransitSet::Kind::AlwaysBelow) o["alwaysBelow"] = true;
+        if (circumstances.cm1Deg) o[*body == kBodyMars ? "centralMeridianDeg" : "centralMeridian1Deg"] = *circumstances.cm1Deg;
+        if (circumstances.cm2Deg) o["centralMeridian2Deg"] = *circumstances.cm2Deg;
+        if (circumstances.grsTransitJdUT) {
+            o["grsLongitudeDeg"] = grs;
+            o["grsTransitJdUT"] = *circumstances.grsTransitJdUT;
+        }
+        if (circumstances.poleAngleDeg) o["poleAngleDeg"] = *circumstances.poleAngleDeg;
         PrintJson(ctx.out, o);
         return 0;
     }
@@ -111,6 +129,16 @@ int RunPlanet(Context& ctx)
     ctx.out << line << '\n';
     std::snprintf(line, sizeof line, "Magnitude   %.2f", r.magnitudeCenti * 0.01);
     ctx.out << line << '\n';
+    // Constellation, the local day's rise, transit and set, and Jupiter's
+    // central meridians and Great Red Spot: the read-out's lines.
+    const std::string more = CircumstancesText(circumstances, *body, doc.LocalOffsetHours(), grs);
+    std::size_t start = 0;
+    while (start < more.size()) {
+        std::size_t end = more.find('\n', start);
+        if (end == std::string::npos) end = more.size();
+        if (end > start) ctx.out << more.substr(start, end - start) << '\n';
+        start = end + 1;
+    }
     return 0;
 }
 
@@ -124,7 +152,9 @@ ORV_CLI_COMMAND("planet", "apparent place, distance, phase and magnitude of the 
                 "  --topocentric   the place seen from the site (diurnal parallax) rather than from the Earth's centre\n"
                 "JSON keys: raDeg, decDeg (true equator and equinox of date), raJ2000Deg, decJ2000Deg, distanceAU,\n"
                 "distanceKm, lightTimeSeconds, sunDistanceAU, phaseAngleDeg, illuminatedFraction, elongationDeg,\n"
-                "apparentDiameterArcsec, magnitude; Saturn also ringTiltDeg, ringDeltaUDeg.\n",
+                "apparentDiameterArcsec, magnitude, constellation, riseJdUT, transitJdUT, setJdUT (the local day's; alwaysAbove or\n"
+                "alwaysBelow instead), poleAngleDeg; Mars centralMeridianDeg; Saturn also ringTiltDeg, ringDeltaUDeg; Jupiter centralMeridian1Deg,\n"
+                "centralMeridian2Deg, grsLongitudeDeg (setting \"GRSLong\" of section \"Planet\") and grsTransitJdUT.\n",
                 RunPlanet);
 
 }  // namespace orv::cli

@@ -250,6 +250,7 @@ void CSolarSystemData::Load(const CSettingsStore& store)
 {
     const std::string text = store.GetString("Planet", "GRSLong", "80");
     grsLongitudeDeg = ParseRealSetting(text).value_or(80.0);
+    jupiterBelts = store.GetInt("Planet", "JupiterBelts", 1) != 0;
 }
 
 void CSolarSystemData::Save(CSettingsStore& store) const
@@ -257,6 +258,7 @@ void CSolarSystemData::Save(CSettingsStore& store) const
     char buf[64];
     std::snprintf(buf, sizeof buf, "%f", grsLongitudeDeg);
     store.SetString("Planet", "GRSLong", buf);
+    store.SetInt("Planet", "JupiterBelts", jupiterBelts ? 1 : 0);
 }
 
 void CSolarSystemData::Write(CByteWriter& out) const { out.F64(grsLongitudeDeg); }

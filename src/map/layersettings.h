@@ -91,6 +91,10 @@ struct COverlayBlock {
 // (System II, degrees), section "Planet", key "GRSLong" (text, "%f").
 struct CSolarSystemData {
     double grsLongitudeDeg = 80.0;
+    // Jupiter's dark belts drawn on its disc at deep levels: section
+    // "Planet", key "JupiterBelts" (0/1, default 1). A setting of the
+    // program, not kept in map files.
+    bool jupiterBelts = true;
     void Load(const CSettingsStore& store);
     void Save(CSettingsStore& store) const;
     void Write(CByteWriter& out) const;  // f64

@@ -55,7 +55,8 @@ void CChartRenderer::Draw(const DrawSurface& surface, const CMapView& view, cons
 
     const bool window = s.kind == SurfaceKind::RasterDisplay;
     CChartScene& scene = window ? m_impl->windowScene : m_impl->otherScene;
-    scene.Begin({observer.JulianDate(), observer.JulianDateTDT(), view.Level(), s.widthPx, s.heightPx});
+    scene.Begin({observer.JulianDate(), observer.JulianDateTDT(), view.Level(), s.widthPx, s.heightPx,
+                 observer.LatitudeRad(), observer.LongitudeRad(), observer.HeightM(), observer.LocalOffsetHours(), true});
     m_impl->lastWasWindow = window;
 
     if (view.Level() != m_impl->lastLevel) {

@@ -146,6 +146,11 @@ std::optional<ObjectDescription> CSkyObjectRegistry::Describe(const SceneObject&
     req.jdUT = scene.Info().jdUT;
     req.jdTT = scene.Info().jdTT;
     req.style = scene.SourceStyle(object.source);
+    req.hasSite = scene.Info().hasSite;
+    req.latitudeRad = scene.Info().latitudeRad;
+    req.longitudeRad = scene.Info().longitudeRad;
+    req.heightM = scene.Info().siteHeightM;
+    req.localOffsetHours = scene.Info().localOffsetHours;
     return s->Describe(object.key, req);
 }
 

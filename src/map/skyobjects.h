@@ -65,6 +65,12 @@ public:
         int level = 0;      // map level index 0–9
         int widthPx = 0;
         int heightPx = 0;
+        // The observer's site, for read-outs that depend on it (rise and set).
+        double latitudeRad = 0.0;
+        double longitudeRad = 0.0;
+        double siteHeightM = 0.0;
+        double localOffsetHours = 0.0;  // civil time − UT
+        bool hasSite = false;
     };
 
     // Starts a new draw: the objects of the last one are forgotten (their
@@ -115,6 +121,13 @@ struct DescribeRequest {
     double jdUT = 0.0;
     double jdTT = 0.0;
     std::uint32_t style = 0;  // the layer's style word (CChartScene::SourceStyle)
+    // The site the chart is drawn for, when known: read-outs add the
+    // object's rise, transit and set there.
+    bool hasSite = false;
+    double latitudeRad = 0.0;
+    double longitudeRad = 0.0;  // east positive
+    double heightM = 0.0;
+    double localOffsetHours = 0.0;
 };
 
 // The identify read-out of one object.

@@ -10,6 +10,8 @@
 
 #include "map/chartlayer.h"
 #include "map/drawcontext.h"
+#include "solarsystem/physephem.h"
+#include "solarsystem/planetmoons.h"
 #include "solarsystem/planets.h"
 
 namespace orv {
@@ -27,13 +29,31 @@ struct PlanetChartPlaces {
 };
 PlanetChartPlaces ChartPlacesOf(const CObserverDoc& observer, const CPlanets& planets);
 
+// How Jupiter and Saturn are turned at the chart's instant, and where their
+// satellites stand (each satellite's place of date, from the planets'
+// topocentric places).
+struct PlanetGlobes {
+    std::optional<JupiterPhysical> jupiter;
+    std::optional<SaturnRingView> saturn;
+    SatellitePlaces satellites;
+    double satelliteRaJ2000Rad[kChartSatelliteCount] = {};
+    double satelliteDecJ2000Rad[kChartSatelliteCount] = {};
+};
+PlanetGlobes GlobesOf(const CObserverDoc& observer, const CPlanets& planets);
+
 // Draws the bodies of `planets` (already computed for the chart's instant)
-// and records each drawn in the scene under `source` at its `places`.
-void DrawPlanets(DrawContext& ctx, const CPlanets& planets, const PlanetChartPlaces& places, SkySourceId source);
+// and records each drawn in the scene under `source` at its `places`. At
+// deep levels Saturn is drawn with its rings at their tilt (the globe hiding
+// the far half of the rings, the near half crossing the globe), Jupiter with
+// its belts (when the map's solar-system settings ask for them) and the
+// Great Red Spot on the face turned to the Earth, and the satellites of
+// `globes` around their planets, recorded under `moonSource`.
+void DrawPlanets(DrawContext& ctx, const CPlanets& planets, const PlanetChartPlaces& places, SkySourceId source,
+                 const PlanetGlobes* globes = nullptr, SkySourceId moonSource = kNoSkySource);
 
 class CPlanetLayer final : public IChartLayer {
 public:
-    explicit CPlanetLayer(SkySourceId source) : m_source(source) {}
+    CPlanetLayer(SkySourceId source, SkySourceId moonSource) : m_source(source), m_moonSource(moonSource) {}
     std::span<const LayerSlot> Slots() const override { return kSlots; }
     bool ShownAt(const CMapView& view, int) const override { return view.planets.shown; }
     // What is kept depends on the instant and the site alone, which it is
@@ -43,8 +63,10 @@ public:
 private:
     static constexpr LayerSlot kSlots[] = {LayerSlot::Planets};
     SkySourceId m_source;
+    SkySourceId m_moonSource;
     CPlanets m_planets;
     PlanetChartPlaces m_places;
+    PlanetGlobes m_globes;
     // The instant and site the bodies were last computed for: a redraw that
     // only scrolls or zooms reuses them (ten apparent places cost about a
     // millisecond and a half through VSOP87).

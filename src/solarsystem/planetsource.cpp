@@ -5,6 +5,9 @@
 #include <cstdio>
 
 #include "observer/observer.h"
+#include "solarsystem/physephem.h"
+#include "solarsystem/planetephemeris.h"
+#include "solarsystem/planetmoons.h"
 
 namespace orv {
 
@@ -108,6 +111,10 @@ std::optional<ObjectDescription> CPlanetObjectSource::Describe(std::uint32_t key
     if (key >= static_cast<std::uint32_t>(kBodyCount)) return std::nullopt;
     const int body = static_cast<int>(key);
     CObserverDoc observer;
+    if (request.hasSite) {
+        observer.SetSite("", request.latitudeRad, request.longitudeRad, request.heightM);
+        observer.SetTimeZone(request.localOffsetHours, false);
+    }
     observer.SetJulianDate(request.jdUT);
     CPlanets planets;
     double ra = 0.0, dec = 0.0, km = 0.0;
@@ -120,7 +127,119 @@ std::optional<ObjectDescription> CPlanetObjectSource::Describe(std::uint32_t key
     d.designation = std::string(BodyName(body));
     d.information = DescribeBody(body, planets.Record(body));
     DateToJ2000(observer, request.jdTT, ra, dec, d.raJ2000Rad, d.decJ2000Rad);
+    if (request.hasSite) {
+        const double grs = GreatRedSpotLongitudeFromStyle(request.style);
+        const BodyCircumstances c = ComputeCircumstances(observer, body, d.raJ2000Rad, d.decJ2000Rad, grs);
+        d.information += CircumstancesText(c, body, request.localOffsetHours, grs);
+    }
     return d;
+}
+
+namespace {
+
+// The satellite's place about its planet at the observer's instant.
+std::optional<SatellitePlace> SatelliteAt(const CObserverDoc& observer, int satellite, PlaceCentre centre,
+                                          PlanetRecord& planetOut)
+{
+    const ChartSatelliteInfo& info = ChartSatellite(satellite);
+    CPlanets planets;
+    const double jdTT = observer.JulianDateTDT();
+    double ra = 0.0, dec = 0.0;
+    if (planets.ApparentPosition(observer, info.planet, jdTT, ra, dec, centre) != PositionStatus::Ok) return std::nullopt;
+    double pole = 0.0;
+    if (info.planet == kBodyJupiter) {
+        const auto j = JupiterPhysicalMeeus(planets, observer, jdTT);
+        if (!j) return std::nullopt;
+        pole = j->poleAngleRad;
+    } else {
+        const auto r = SaturnRingViewMeeus(planets, observer, jdTT);
+        if (!r) return std::nullopt;
+        pole = r->poleAngleRad;
+    }
+    const SatellitePlaces places = PlaceChartSatellites(planets, observer, jdTT, info.planet == kBodyJupiter ? pole : 0.0,
+                                                        info.planet == kBodySaturn ? pole : 0.0);
+    const SatellitePlace& place = places.satellites[static_cast<std::size_t>(satellite)];
+    if (!place.valid) return std::nullopt;
+    planetOut = planets.Record(info.planet);
+    return place;
+}
+
+}  // namespace
+
+std::vector<SkyObjectMatch> CPlanetMoonSource::Resolve(std::string_view text, const CObserverDoc& observer) const
+{
+    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
+    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back()))) text.remove_suffix(1);
+    const std::optional<int> satellite = ChartSatelliteFromName(text);
+    if (!satellite) return {};
+    PlanetRecord planet;
+    const auto place = SatelliteAt(observer, *satellite, PlaceCentre::Topocentric, planet);
+    if (!place) return {};
+    SkyObjectMatch m;
+    m.key = static_cast<std::uint32_t>(*satellite);
+    m.type = ObjectType::Planet;
+    m.designation = std::string(ChartSatellite(*satellite).name);
+    DateToJ2000(observer, observer.JulianDateTDT(), place->raRad, place->decRad, m.raJ2000Rad, m.decJ2000Rad);
+    m.magnitude = place->magnitude;
+    return {m};
+}
+
+std::optional<ObjectDescription> CPlanetMoonSource::Describe(std::uint32_t key, const DescribeRequest& request) const
+{
+    if (key >= static_cast<std::uint32_t>(kChartSatelliteCount)) return std::nullopt;
+    const int satellite = static_cast<int>(key);
+    const ChartSatelliteInfo& info = ChartSatellite(satellite);
+    CObserverDoc observer;
+    if (request.hasSite) {
+        observer.SetSite("", request.latitudeRad, request.longitudeRad, request.heightM);
+        observer.SetTimeZone(request.localOffsetHours, false);
+    }
+    observer.SetJulianDate(request.jdUT);
+    PlanetRecord planet;
+    const auto place = SatelliteAt(observer, satellite, PlaceCentre::Geocentric, planet);
+    if (!place) return std::nullopt;
+    ObjectDescription d;
+    d.type = ObjectType::Planet;
+    d.designation = std::string(info.name);
+    char line[200];
+    const double radiusArcsec = 0.5 * planet.apparentDiameterRad * kRadToArcsec;
+    // Offsets along the planet's equator (east: toward its following limb)
+    // and axis, as observers' tables give them.
+    const double east = -place->xyz.xRadii;
+    const double north = place->xyz.yRadii;
+    std::snprintf(line, sizeof line,
+                  "\nSatellite of %s\nMagnitude: %.1f\nFrom %s: %.2f radii %s, %.2f radii %s (%.0f\xE2\x80\xB3)\n%s",
+                  std::string(BodyName(info.planet)).c_str(), place->magnitude,
+                  std::string(BodyName(info.planet)).c_str(), std::fabs(east), east >= 0.0 ? "east" : "west",
+                  std::fabs(north), north >= 0.0 ? "north" : "south",
+                  std::hypot(place->xyz.xRadii, place->xyz.yRadii) * radiusArcsec,
+                  place->hiddenByPlanet ? "Behind the planet (occulted)"
+                                        : (place->xyz.zRadii < 0.0 ? "In front of the planet" : "Beyond the planet"));
+    d.information = d.designation + line;
+    d.information += info.planet == kBodyJupiter ? "\nPositions: Lieske's theory E5 (Meeus ch. 44)"
+                                                 : "\nPositions: Meeus ch. 46 (Harper & Taylor)";
+    DateToJ2000(observer, request.jdTT, place->raRad, place->decRad, d.raJ2000Rad, d.decJ2000Rad);
+    return d;
+}
+
+void CPlanetMoonSource::CompletionNames(std::vector<std::string>& out) const
+{
+    for (int k = 0; k < kChartSatelliteCount; ++k) out.emplace_back(ChartSatellite(k).name);
+}
+
+std::uint32_t PlanetStyleWord(double grsLongitudeDeg)
+{
+    double l = std::fmod(grsLongitudeDeg, 360.0);
+    if (!std::isfinite(l)) l = 80.0;
+    if (l < 0.0) l += 360.0;
+    return 1u + static_cast<std::uint32_t>(std::lround(l * 100.0));
+}
+
+double GreatRedSpotLongitudeFromStyle(std::uint32_t style)
+{
+    // 0: no chart said (the default setting); ~0: the command line's "all".
+    if (style == 0 || style > 36001u) return 80.0;
+    return (style - 1u) * 0.01;
 }
 
 void CPlanetObjectSource::CompletionNames(std::vector<std::string>& out) const

@@ -29,6 +29,20 @@ public:
     void CompletionNames(std::vector<std::string>& out) const override;
 };
 
+// The satellites of Jupiter and Saturn the chart draws ("Io", "Europa",
+// "Ganymede", "Callisto", "Mimas", "Enceladus", "Tethys", "Dione", "Rhea",
+// "Titan", "Iapetus", any letter case), placed about their planet's apparent
+// topocentric place. The key is the satellite's number (planetmoons.h).
+class CPlanetMoonSource final : public ISkyObjectSource {
+public:
+    std::string_view Name() const override { return "satellites of Jupiter and Saturn"; }
+    std::string_view Forms() const override { return "Io, Europa, Ganymede, Callisto, Mimas … Titan, Iapetus"; }
+    bool Available() const override { return true; }
+    std::vector<SkyObjectMatch> Resolve(std::string_view text, const CObserverDoc& observer) const override;
+    std::optional<ObjectDescription> Describe(std::uint32_t key, const DescribeRequest& request) const override;
+    void CompletionNames(std::vector<std::string>& out) const override;
+};
+
 // Apparent place of date (true equator and equinox) to the J2000 equator
 // and equinox by the observer's nutation and precession, radians. The
 // annual aberration stays in: the place is where the chart shows the body.
@@ -39,5 +53,11 @@ void DateToJ2000(const CObserverDoc& observer, double jdTT, double raDateRad, do
 // first): distance, light time, magnitude, phase, elongation, apparent
 // diameter. Empty when the record is not valid.
 std::string DescribeBody(int body, const PlanetRecord& record);
+
+// The style word the planet layer leaves in the chart's scene for this
+// source: the Great Red Spot longitude of the map (System II, degrees, to
+// 0.01°), so that Jupiter's read-out gives the transit of the spot drawn.
+std::uint32_t PlanetStyleWord(double grsLongitudeDeg);
+double GreatRedSpotLongitudeFromStyle(std::uint32_t style);
 
 }  // namespace orv

@@ -225,13 +225,15 @@ TEST(ChartLayers, StarsAreFoundByEveryDesignation)
     const FindResult none = objects.Resolve("Nowhere", at);
     EXPECT_EQ(none.status, FindStatus::NotFound);
     EXPECT_NE(none.message.find("Tycho-2 stars (proper names, Bayer and Flamsteed designations"), std::string::npos);
-    // The catalogue's one proper name among those of the Sun, the Moon and
-    // the planets, beside the constellations' names when their files are
-    // installed.
+    // The catalogue's one proper name among those of the Sun, the Moon, the
+    // planets and their satellites, beside the constellations' names when
+    // their files are installed.
     std::vector<std::string> names = objects.CompletionNames();
     std::erase_if(names, [](const std::string& n) { return orv::FindConstellation(n) >= 0; });
-    EXPECT_EQ(names, (std::vector<std::string>{"Centrum", "Jupiter", "Mars", "Mercury", "Moon", "Neptune", "Pluto",
-                                               "Saturn", "Sun", "Uranus", "Venus"}));
+    EXPECT_EQ(names, (std::vector<std::string>{"Callisto", "Centrum", "Dione", "Enceladus", "Europa", "Ganymede",
+                                               "Iapetus", "Io", "Jupiter", "Mars", "Mercury", "Mimas", "Moon",
+                                               "Neptune", "Pluto", "Rhea", "Saturn", "Sun", "Tethys", "Titan",
+                                               "Uranus", "Venus"}));
 }
 
 // The ecliptic grid layer, the model of a layer: on a chart centred on the
