@@ -20,6 +20,7 @@
 #include "catalog/stars/drawstars.h"
 #include "catalog/stars/tycho2catalogue.h"
 #include "solarsystem/drawplanets.h"
+#include "overlay/drawoverlay.h"
 #include "map/mapdraw.h"
 #include "map/mapview.h"
 #include "util/angles.h"
@@ -68,6 +69,7 @@ struct Components {
         RegisterConstellations(chart, stars);
         RegisterDeepSkyCatalogues(chart, deepSky);
         RegisterPlanets(chart);
+        RegisterOverlaysAndHorizon(chart.layers, std::make_shared<COverlayStore>());
     }
 };
 

@@ -5,10 +5,21 @@
 #include "catalog/constellations/drawconstellations.h"
 #include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
+#include "overlay/drawoverlay.h"
 #include "satellite/passdraw.h"
 #include "solarsystem/drawplanets.h"
 
 namespace orv::cli {
+
+namespace {
+const std::shared_ptr<COverlayStore>& OverlayStorePtr()
+{
+    static const auto store = std::make_shared<COverlayStore>();
+    return store;
+}
+}  // namespace
+
+COverlayStore& OverlayStore() { return *OverlayStorePtr(); }
 
 const CChartComponents& ChartComponents()
 {
@@ -21,6 +32,7 @@ const CChartComponents& ChartComponents()
         RegisterDeepSkyCatalogues(c, std::make_shared<CDeepSkyCatalogueHandle>());
         RegisterPlanets(c);
         sat::RegisterPlottedPassLayer(c.layers);
+        RegisterOverlaysAndHorizon(c.layers, OverlayStorePtr());
         return c;
     }();
     return components;

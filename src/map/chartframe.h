@@ -44,6 +44,13 @@ public:
     void DateToFrame(double raDateRad, double decDateRad, double v[3]) const;
     // From an apparent altitude and azimuth (horizon profile, alt-az grid).
     void HorizontalToFrame(double altRad, double azRad, double v[3]) const;
+    // Refraction by the chart's rule on horizontal charts (nothing on
+    // equatorial ones), for a vector already turned into the frame by
+    // CatalogueMatrix() (large display lists brought over in one product).
+    void RefractFrameVector(double v[3]) const
+    {
+        if (m_horizontal) Refract(v);
+    }
     // From frame longitude and latitude.
     static void FrameLonLatToVector(double lonRad, double latRad, double v[3]);
 

@@ -9,6 +9,7 @@
 #include "catalogbuild.h"
 #include "constellationbuild.h"
 #include "deepskybuild.h"
+#include "overlaybuild.h"
 #include "planetbuild.h"
 #include "util/datapath.h"
 
@@ -20,6 +21,7 @@ void Usage(std::FILE* to)
         "usage: orvane-databuild [--sources DIR] [--tycho2 DIR] [--stellarium DIR] [--kstars DIR]\n"
         "                        [--out DATA_FOLDER] [--constellations]\n"
         "       orvane-databuild --deepsky [--sources DIR] [--stellarium DIR] [--out DATA_FOLDER]\n"
+        "       orvane-databuild --overlays [--sources DIR] [--kstars DIR] [--out DATA_FOLDER]\n"
         "       orvane-databuild --planets ASTRONOMIA_DIR [--moon-block FILE] [--out DATA_FOLDER]\n"
         "\n"
         "Builds the Tycho-2 star files (star/Tycho2/*, data/rgnbound.dat) into the data folder.\n"
@@ -35,6 +37,9 @@ void Usage(std::FILE* to)
         "  --deepsky         build the deep-sky catalogue files (deepsky/*) from stellarium-data\n"
         "                    instead of the star files, and the SAC database when its file\n"
         "                    (SAC_DeepSky_Ver81_QCQ.TXT) lies in DIR/sac\n"
+        "  --overlays        write the map overlays that come with the program (overlays/*.ovl:\n"
+        "                    the Milky Way from kstars-data's milkyway.dat, the galactic equator)\n"
+        "                    and the default list overlay.dat naming them, inactive\n"
         "\n"
         "With --planets, builds the VSOP87 series (Data/VSOP87.idx, Data/VSOP87.dat) instead,\n"
         "from the unpacked npm package astronomia (the folder holding data/vsop87D*.js);\n"
@@ -52,6 +57,7 @@ int main(int argc, char** argv)
     orv::databuild::BuildOptions options;
     bool constellations = false;
     bool deepSky = false;
+    bool overlays = false;
     std::string astronomiaDir;
     std::string moonBlock;
     for (int i = 1; i < argc; ++i) {
@@ -70,6 +76,7 @@ int main(int argc, char** argv)
         else if (arg == "--out") value(options.outputDir);
         else if (arg == "--constellations") constellations = true;
         else if (arg == "--deepsky") deepSky = true;
+        else if (arg == "--overlays") overlays = true;
         else if (arg == "--planets") value(astronomiaDir);
         else if (arg == "--moon-block") value(moonBlock);
         else if (arg == "--help" || arg == "-h") {
@@ -110,6 +117,15 @@ int main(int argc, char** argv)
             return 1;
         }
         std::printf("orvane-databuild: done\n");
+        return 0;
+    }
+    if (overlays) {
+        std::string error;
+        if (!orv::databuild::RunOverlayBuild(options.kstarsDir, options.outputDir, progress, error)) {
+            std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
+            return 1;
+        }
+        std::printf("orvane-databuild: overlays done\n");
         return 0;
     }
     if (deepSky) {
