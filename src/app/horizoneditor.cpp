@@ -172,12 +172,17 @@ CHorizonEditorDialog::CHorizonEditorDialog(CAppContext& app, const HorizonProfil
     m_flatAltitude = new QSpinBox(this);
     m_flatAltitude->setRange(-90, 90);
     m_flatAltitude->setSuffix(QStringLiteral("°"));
-    tools->addWidget(new QLabel(tr("Marker &A:"), this), 0, 0);
+    auto buddy = [this](const QString& text, QWidget* field) {
+        auto* label = new QLabel(text, this);
+        label->setBuddy(field);
+        return label;
+    };
+    tools->addWidget(buddy(tr("Marker &A:"), m_markerA), 0, 0);
     tools->addWidget(m_markerA, 0, 1);
     tools->addWidget(m_labelA, 0, 2);
-    tools->addWidget(new QLabel(tr("Altitude at A:"), this), 0, 3);
+    tools->addWidget(buddy(tr("A&ltitude at A:"), m_altitude), 0, 3);
     tools->addWidget(m_altitude, 0, 4);
-    tools->addWidget(new QLabel(tr("Marker &B:"), this), 1, 0);
+    tools->addWidget(buddy(tr("Marker &B:"), m_markerB), 1, 0);
     tools->addWidget(m_markerB, 1, 1);
     tools->addWidget(m_labelB, 1, 2);
     auto* smooth = new QPushButton(tr("&Smooth A-B"), this);
