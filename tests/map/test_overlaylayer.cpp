@@ -146,3 +146,38 @@ TEST(HorizonLayer, GroundIsFilledBelowTheProfileAndNotAbove)
 }
 
 }  // namespace
+
+namespace {
+
+TEST(HorizonLayer, WithTheOptionObjectsBehindTheProfileAreBelowTheHorizon)
+{
+    // The test that hides stars and planets on the ground (and so keeps
+    // them out of the visible lists): a point 10° up behind a 20° wall is
+    // below the horizon only when the profile is used for events.
+    CSmallCatalogueChart chart;
+    CMapView& view = chart.View();
+    view.SetLevel(1, CMapView::TakeField::Yes);
+    view.coordinates.SetCentringMode(Centring::AltAz);
+    view.coordinates.SetCentreAltAz(chart.Doc().observer, 15.0 * kRadPerDeg, 180.0 * kRadPerDeg);
+    chart.Doc().horizon.altitudeDeg.fill(0);
+    for (int k = 170; k <= 190; ++k) chart.Doc().horizon.altitudeDeg[k] = 20;
+    const CChartFrame frame(chart.Doc().observer, view.coordinates);
+    auto screen = [&](double altDeg, double azDeg) {
+        double v[3];
+        frame.HorizontalToFrame(altDeg * kRadPerDeg, azDeg * kRadPerDeg, v);
+        ScreenPoint s;
+        EXPECT_TRUE(frame.ToScreen(v, s));
+        return s;
+    };
+    const ScreenPoint behind = screen(10.0, 180.0), open = screen(10.0, 150.0), above = screen(21.0, 180.0);
+    chart.Doc().horizon.useForEvents = 0;
+    const CGroundTest mathematical(frame, chart.Doc());
+    EXPECT_FALSE(mathematical.BelowHorizon(behind.x, behind.y));
+    chart.Doc().horizon.useForEvents = 1;
+    const CGroundTest real(frame, chart.Doc());
+    EXPECT_TRUE(real.BelowHorizon(behind.x, behind.y));
+    EXPECT_FALSE(real.BelowHorizon(open.x, open.y));
+    EXPECT_FALSE(real.BelowHorizon(above.x, above.y));
+}
+
+}  // namespace
