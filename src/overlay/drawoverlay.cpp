@@ -258,10 +258,8 @@ public:
     void LevelChanged(int level) override
     {
         Sync();
-        for (std::size_t i = 0; i < m_store->entries.size(); ++i) {
-            const OverlayListEntry& e = m_store->entries[i];
-            if (e.HasLevelRange()) m_active[i] = e.LevelInRange(level) ? 1 : 0;
-        }
+        m_level = level;
+        ApplyLevelRanges();
     }
     void Invalidate() override { m_generation = -1; }
     void Draw(DrawContext& ctx, LayerSlot) override
@@ -275,18 +273,30 @@ public:
 private:
     static constexpr LayerSlot kSlots[] = {LayerSlot::Overlays};
 
-    // A changed list (the overlay dialog) gives every chart the list's flags again.
+    // A changed list (the overlay dialog) gives every chart the list's
+    // flags again, with the ranges applied at the chart's level.
     void Sync()
     {
         if (m_generation == m_store->generation && m_active.size() == m_store->entries.size()) return;
         m_generation = m_store->generation;
         m_active.clear();
         for (const OverlayListEntry& e : m_store->entries) m_active.push_back(e.active);
+        ApplyLevelRanges();
+    }
+
+    void ApplyLevelRanges()
+    {
+        if (m_level < 0) return;
+        for (std::size_t i = 0; i < m_store->entries.size() && i < m_active.size(); ++i) {
+            const OverlayListEntry& e = m_store->entries[i];
+            if (e.HasLevelRange()) m_active[i] = e.LevelInRange(m_level) ? 1 : 0;
+        }
     }
 
     std::shared_ptr<COverlayStore> m_store;
     std::vector<std::uint8_t> m_active;
     int m_generation = -1;
+    int m_level = -1;
 };
 
 // The profile's altitude in degrees at an azimuth in degrees, never below 0

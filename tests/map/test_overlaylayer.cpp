@@ -181,3 +181,38 @@ TEST(HorizonLayer, WithTheOptionObjectsBehindTheProfileAreBelowTheHorizon)
 }
 
 }  // namespace
+
+namespace {
+
+TEST(OverlayLayer, AnOverlayWithALevelRangeIsOnOnlyWithinIt)
+{
+    // Switched off in the list, switched on at level 4 alone (the chart's
+    // level); the list's flag rules again once the chart leaves the range.
+    CSmallCatalogueChart chart;
+    Plain(chart.View());
+    OverlayListEntry e;
+    e.path = Write("ranged.ovl", "define line thick solid, 12, red, red\nselect line thick\n"
+                                 "move 6 8, -3\ndraw 6 8, 3\n");
+    e.active = 0;
+    e.minLevel = e.maxLevel = 4;
+    chart.Overlays().entries.push_back(e);
+    ++chart.Overlays().generation;
+    ASSERT_EQ(3, chart.View().Level());  // level 4 as shown
+    const QImage in = chart.Render();
+    const CChartFrame frame(chart.Doc().observer, chart.View().coordinates);
+    double v[3];
+    frame.DateToFrame(92.0 * kRadPerDeg, 1.0 * kRadPerDeg, v);
+    ScreenPoint s;
+    ASSERT_TRUE(frame.ToScreen(v, s));
+    EXPECT_TRUE(RedNear(in, s.x, s.y));
+
+    chart.View().SetLevel(4, CMapView::TakeField::No);
+    chart.View().coordinates.SetupSurface(chart.Width(), chart.Height());
+    const QImage out = chart.Render();
+    const CChartFrame frame5(chart.Doc().observer, chart.View().coordinates);
+    frame5.DateToFrame(92.0 * kRadPerDeg, 1.0 * kRadPerDeg, v);
+    ASSERT_TRUE(frame5.ToScreen(v, s));
+    EXPECT_FALSE(RedNear(out, s.x, s.y));
+}
+
+}  // namespace
