@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "map/curvetrace.h"
 #include "map/drawcontext.h"
@@ -72,6 +73,7 @@ public:
         m_cosMargin = std::cos(m_marginRad);
         const double pad = 4.0;
         m_x0 = -pad, m_y0 = -pad, m_x1 = ctx.Width() + pad, m_y1 = ctx.Height() + pad;
+        if (ctx.frame.IsHorizontal()) BuildRefractionTable();
     }
 
     std::size_t Draw(const COverlay& o)
@@ -135,9 +137,49 @@ private:
         ScreenPoint s;
     };
 
+    // Refraction by the chart's rule as a table in the sine of the altitude,
+    // so that a large display list is lifted without a trigonometric call
+    // per point: the new sine and the factor of the horizontal components,
+    // interpolated linearly between 2049 samples from sin(−0.1 rad) to 1
+    // (0.004″ at worst). Where the rule jumps (objects refraction would not
+    // lift above the horizon keep their altitude) the exact rule is used.
+    void BuildRefractionTable()
+    {
+        m_refrZ0 = std::sin(-0.1);
+        m_refrStep = (1.0 - m_refrZ0) / kRefractionSamples;
+        m_refrZ.resize(kRefractionSamples + 1);
+        m_refrScale.resize(kRefractionSamples + 1);
+        for (int i = 0; i <= kRefractionSamples; ++i) {
+            const double z = std::min(1.0, m_refrZ0 + i * m_refrStep);
+            double v[3] = {std::sqrt(std::max(0.0, 1.0 - z * z)), 0.0, z};
+            const double horizontal = v[0];
+            m_ctx.frame.RefractFrameVector(v);
+            m_refrZ[i] = v[2];
+            m_refrScale[i] = horizontal > 1e-12 ? v[0] / horizontal : 1.0;
+        }
+    }
+
+    void Refract(double v[3]) const
+    {
+        if (m_refrZ.empty()) return;
+        const double z = v[2];
+        if (!(z > m_refrZ0)) return;  // below −0.1 rad the rule leaves the place alone
+        const double x = (z - m_refrZ0) / m_refrStep;
+        const int i = std::min(static_cast<int>(x), kRefractionSamples - 1);
+        const double f = x - i;
+        if (std::fabs(m_refrZ[i + 1] - m_refrZ[i]) > 4.0 * m_refrStep) {
+            m_ctx.frame.RefractFrameVector(v);
+            return;
+        }
+        const double s = m_refrScale[i] + f * (m_refrScale[i + 1] - m_refrScale[i]);
+        v[0] *= s;
+        v[1] *= s;
+        v[2] = m_refrZ[i] + f * (m_refrZ[i + 1] - m_refrZ[i]);
+    }
+
     Point Finish(Point r) const
     {
-        m_ctx.frame.RefractFrameVector(r.v);
+        Refract(r.v);
         r.inCap = m_ctx.frame.CosFromCentre(r.v) > m_cosCap;
         r.ok = r.inCap && m_ctx.frame.ToScreen(r.v, r.s);
         return r;
@@ -244,6 +286,9 @@ private:
     double m_fromMapEpoch[3][3];
     double m_marginRad = 0.0, m_capRad = kPi, m_cosCap = -1.0, m_cosMargin = 1.0;
     double m_x0 = 0, m_y0 = 0, m_x1 = 0, m_y1 = 0;
+    static constexpr int kRefractionSamples = 2048;
+    std::vector<double> m_refrZ, m_refrScale;
+    double m_refrZ0 = 0.0, m_refrStep = 1.0;
     TracedCurve m_curve;
     bool m_penDown = false;
     std::size_t m_segments = 0;

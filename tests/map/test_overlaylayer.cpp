@@ -216,3 +216,45 @@ TEST(OverlayLayer, AnOverlayWithALevelRangeIsOnOnlyWithinIt)
 }
 
 }  // namespace
+
+namespace {
+
+TEST(OverlayLayer, NearTheHorizonTheLineIsLiftedByTheChartsRefraction)
+{
+    // An alt-azimuth chart: a point 2° above the horizon in the south is
+    // taken back to its J2000 place through the chart's exact rule (which
+    // removes about 18′ of refraction), written to an overlay as a short
+    // line along its declination (about level there), and must be drawn
+    // where it was: the overlay's tabulated refraction agrees with
+    // the exact one to well under a pixel (the line is 4 pixels wide).
+    CSmallCatalogueChart chart;
+    CMapView& view = chart.View();
+    Plain(view);
+    // Level 4 (37 pixels a degree): 18′ of refraction are 11 pixels.
+    view.coordinates.SetCentringMode(Centring::AltAz);
+    view.coordinates.SetCentreAltAz(chart.Doc().observer, 5.0 * kRadPerDeg, 180.0 * kRadPerDeg);
+    const CChartFrame frame(chart.Doc().observer, view.coordinates);
+    double v[3];
+    frame.HorizontalToFrame(2.0 * kRadPerDeg, 180.0 * kRadPerDeg, v);
+    ScreenPoint s;
+    ASSERT_TRUE(frame.ToScreen(v, s));
+    double ra = 0.0, dec = 0.0;
+    frame.ScreenToCatalogue(s.x, s.y, ra, dec);
+    char text[256];
+    std::snprintf(text, sizeof text,
+                  "epoch J2000.0\ndefine line thick solid, 12, red, red\nselect line thick\n"
+                  "move %.9f, %.8f\ndraw %.9f, %.8f\n",
+                  ra * kDegPerRad / 15.0 - 0.03, dec * kDegPerRad, ra * kDegPerRad / 15.0 + 0.03, dec * kDegPerRad);
+    chart.Overlays().extraFiles.push_back(Write("low.ovl", text));
+    const QImage img = chart.Render();
+    EXPECT_TRUE(RedNear(img, s.x, s.y, 1)) << s.x << ", " << s.y;
+    // Where it would be without refraction: nothing.
+    const double trueAlt = chart.Doc().observer.InverseRefraction(2.0 * kRadPerDeg);
+    frame.HorizontalToFrame(2.0 * kRadPerDeg - trueAlt, 180.0 * kRadPerDeg, v);
+    ScreenPoint unrefracted;
+    ASSERT_TRUE(frame.ToScreen(v, unrefracted));
+    ASSERT_GT(std::hypot(unrefracted.x - s.x, unrefracted.y - s.y), 8.0);
+    EXPECT_FALSE(RedNear(img, unrefracted.x, unrefracted.y, 0));
+}
+
+}  // namespace
