@@ -21,6 +21,7 @@
 #include "catalog/stars/tycho2catalogue.h"
 #include "solarsystem/drawminor.h"
 #include "solarsystem/drawplanets.h"
+#include "overlay/drawoverlay.h"
 #include "map/mapdraw.h"
 #include "map/mapview.h"
 #include "util/angles.h"
@@ -70,6 +71,7 @@ struct Components {
         RegisterDeepSkyCatalogues(chart, deepSky);
         RegisterPlanets(chart);
         RegisterMinorBodies(chart, std::make_shared<CMinorCatalogHandle>());
+        RegisterOverlaysAndHorizon(chart.layers, std::make_shared<COverlayStore>());
     }
 };
 

@@ -1,5 +1,6 @@
 #include "app/appcontext.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
 
@@ -7,9 +8,11 @@
 #include "catalog/constellations/drawconstellations.h"
 #include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
+#include "overlay/drawoverlay.h"
 #include "satellite/passdraw.h"
 #include "solarsystem/drawminor.h"
 #include "solarsystem/drawplanets.h"
+#include "util/datapath.h"
 #include "util/settingsstore.h"
 
 namespace orv {
@@ -22,9 +25,11 @@ CAppContext::CAppContext(CSettingsStore& settings, QObject* parent)
     : QObject(parent),
       m_settings(settings),
       m_stars(std::make_shared<CStarCatalogueHandle>()),
-      m_minor(std::make_shared<CMinorCatalogHandle>())
+      m_minor(std::make_shared<CMinorCatalogHandle>()),
+      m_overlays(std::make_shared<COverlayStore>())
 {
     m_minor->Unloaded().SetPaths(settings.GetString("Paths", "AsteroidCat", ""), settings.GetString("Paths", "CometCat", ""));
+    LoadOverlayList();
     // The program's charts: the map's own layers, the star and deep-sky catalogues, and
     // the satellite passes plotted from the pass sheet.
     RegisterMapLayers(m_components.layers);
@@ -34,6 +39,7 @@ CAppContext::CAppContext(CSettingsStore& settings, QObject* parent)
     RegisterPlanets(m_components);
     RegisterMinorBodies(m_components, m_minor);
     sat::RegisterPlottedPassLayer(m_components.layers);
+    RegisterOverlaysAndHorizon(m_components.layers, m_overlays);
     m_levels.Load(settings);
     const int scheme = settings.GetInt(kSettings, "ColourScheme", 0);
     m_scheme = scheme == 1 ? ColourScheme::RedNightVision : scheme == 2 ? ColourScheme::BlackOnWhite : ColourScheme::Normal;
@@ -76,6 +82,31 @@ QString CAppContext::DefaultMapFile() const
     if (const auto* qt = dynamic_cast<const CQtSettingsStore*>(&m_settings))
         return QFileInfo(QString::fromStdString(qt->FileName())).absolutePath() + QStringLiteral("/Default.ovm");
     return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + QStringLiteral("/Default.ovm");
+}
+
+QString CAppContext::UserOverlayListFile() const
+{
+    return QFileInfo(DefaultMapFile()).absolutePath() + QStringLiteral("/overlay.dat");
+}
+
+void CAppContext::LoadOverlayList()
+{
+    std::vector<OverlayListEntry> entries;
+    const std::string user = UserOverlayListFile().toStdString();
+    std::string shipped;
+    if (ReadOverlayList(user, entries).ok || (LocateDataFile("overlay.dat", shipped) && ReadOverlayList(shipped, entries).ok))
+        m_overlays->entries = std::move(entries);
+    ++m_overlays->generation;
+}
+
+QString CAppContext::SaveOverlayList()
+{
+    ++m_overlays->generation;
+    emit DisplayOptionsChanged();
+    const QString path = UserOverlayListFile();
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    const OverlayListResult r = WriteOverlayList(path.toStdString(), m_overlays->entries);
+    return r.ok ? QString() : QString::fromStdString(r.message);
 }
 
 QString CAppContext::RememberedFolder(const char* key) const

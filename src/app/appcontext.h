@@ -15,6 +15,7 @@
 #include "map/chartlayer.h"
 #include "map/levels.h"
 #include "map/mapdraw.h"
+#include "overlay/overlayfile.h"
 
 namespace orv {
 
@@ -53,6 +54,17 @@ public:
     QString RememberedFolder(const char* key) const;
     void RememberFolder(const char* key, const QString& fileOrFolder);
 
+    // The map overlays every chart draws, and their list: the user's
+    // "overlay.dat" beside the settings file, or else the one in the data
+    // folder (the overlays that come with the program).
+    COverlayStore& Overlays() { return *m_overlays; }
+    QString UserOverlayListFile() const;
+    // Saves the list to the user's file and redraws every chart; the
+    // program's message when the file cannot be written.
+    QString SaveOverlayList();
+    // Tells every chart that the overlays or the horizon changed.
+    void NotifyChartContentChanged() { emit DisplayOptionsChanged(); }
+
     QStringList RecentFiles() const { return m_recent; }
     void AddRecentFile(const QString& path);
 
@@ -71,8 +83,10 @@ signals:
 
 private:
     CSettingsStore& m_settings;
+    void LoadOverlayList();
     std::shared_ptr<CStarCatalogueHandle> m_stars;
     std::shared_ptr<CMinorCatalogHandle> m_minor;
+    std::shared_ptr<COverlayStore> m_overlays;
     CChartComponents m_components;
     CLevelTable m_levels;
     ColourScheme m_scheme = ColourScheme::Normal;

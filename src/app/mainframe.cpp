@@ -14,6 +14,7 @@
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPointer>
 #include <QStatusBar>
 #include <QTextBrowser>
 #include <QToolBar>
@@ -21,10 +22,12 @@
 #include "app/appcontext.h"
 #include "app/deepskywindows.h"
 #include "app/dialogs.h"
+#include "app/horizoneditor.h"
 #include "app/mapprint.h"
 #include "app/mapwindow.h"
 #include "app/minorwindows.h"
 #include "app/planetwindows.h"
+#include "app/overlaydialog.h"
 #include "app/satellitewindows.h"
 #include "app/strings.h"
 #include "catalog/stars/stardesignation.h"
@@ -165,6 +168,9 @@ void CMainFrame::CreateActions()
     m_starOptionsAct = make(tr("S&tar Options..."), QKeySequence(), [this] { StarOptions(); });
     m_deepSkyOptionsAct = make(tr("&Deep Sky Options..."), QKeySequence(), [this] { DeepSkyOptions(); });
     m_gridOptionsAct = make(tr("&Grids..."), QKeySequence(), [this] { GridOptions(); });
+    m_horizonEditorAct = make(tr("&Horizon Editor..."), QKeySequence(), [this] { HorizonEditor(); });
+    m_overlaysAct = make(tr("&Map Overlays..."), QKeySequence(), [this] { MapOverlays(); });
+    m_overlaysAct->setStatusTip(tr("Add, remove, and configure map overlays."));
     m_constellationOptionsAct = make(tr("&Constellations..."), QKeySequence(), [this] { ConstellationOptions(); });
     m_findAct = make(tr("&Find..."), QKeySequence::Find, [this] {
         m_findBox->setFocus();
@@ -259,6 +265,9 @@ void CMainFrame::CreateMenus()
     connect(clearPaths, &QAction::triggered, this, [this] {
         if (CMapWindow* w = ActiveMap()) ClearPlanetPaths(*w);
     });
+    map->addSeparator();
+    map->addAction(m_horizonEditorAct);
+    map->addAction(m_overlaysAct);
 
     menuBar()->addMenu(m_minor->Menu());
     menuBar()->addMenu(m_satellites->Menu());
@@ -617,6 +626,35 @@ void CMainFrame::GridOptions()
         w->View().SetLevel(w->View().Level(), CMapView::TakeField::No);
         w->MapChanged();
     }
+}
+
+void CMainFrame::HorizonEditor()
+{
+    CMapWindow* w = ActiveMap();
+    const HorizonProfile start = w ? w->Doc().horizon.altitudeDeg : HorizonProfile{};
+    const QString file = w ? QString::fromStdString(w->Doc().horizon.fileName) : QString();
+    // Every change shows at once on the map that was active when the editor opened.
+    QPointer<CMapWindow> target(w);
+    CHorizonEditorDialog dialog(
+        m_app, start, file,
+        [target, &settings = m_app.Settings()](const HorizonProfile& profile, const QString& fileName) {
+            if (!target) return;
+            target->Doc().horizon.altitudeDeg = profile;
+            target->Doc().horizon.fileName = fileName.toStdString();
+            target->Doc().horizon.useForEvents = settings.GetInt("Horizon", "UseForEvents", 0);
+            target->MapChanged();
+        },
+        this);
+    dialog.exec();
+}
+
+void CMainFrame::MapOverlays()
+{
+    COverlayListDialog dialog(m_app, this);
+    if (dialog.exec() != QDialog::Accepted) return;
+    m_app.Overlays().entries = dialog.Entries();
+    if (const QString error = m_app.SaveOverlayList(); !error.isEmpty())
+        QMessageBox::critical(this, tr("Map Overlays"), error);
 }
 
 void CMainFrame::ViewLevels()

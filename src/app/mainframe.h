@@ -66,6 +66,8 @@ private:
     void StarOptions();
     void ConstellationOptions();
     void GridOptions();
+    void HorizonEditor();
+    void MapOverlays();
     void ViewLevels();
     void VisibleStars();
     void VisibleDeepSky();
@@ -119,6 +121,8 @@ private:
     QAction* m_starOptionsAct = nullptr;
     QAction* m_constellationOptionsAct = nullptr;
     QAction* m_gridOptionsAct = nullptr;
+    QAction* m_horizonEditorAct = nullptr;
+    QAction* m_overlaysAct = nullptr;
     QAction* m_findAct = nullptr;
     QAction* m_rotateLeftAct = nullptr;
     QAction* m_rotateRightAct = nullptr;

@@ -5,11 +5,22 @@
 #include "catalog/constellations/drawconstellations.h"
 #include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
+#include "overlay/drawoverlay.h"
 #include "satellite/passdraw.h"
 #include "solarsystem/drawminor.h"
 #include "solarsystem/drawplanets.h"
 
 namespace orv::cli {
+
+namespace {
+const std::shared_ptr<COverlayStore>& OverlayStorePtr()
+{
+    static const auto store = std::make_shared<COverlayStore>();
+    return store;
+}
+}  // namespace
+
+COverlayStore& OverlayStore() { return *OverlayStorePtr(); }
 
 const CChartComponents& ChartComponents()
 {
@@ -23,6 +34,7 @@ const CChartComponents& ChartComponents()
         RegisterPlanets(c);
         RegisterMinorBodies(c, std::make_shared<CMinorCatalogHandle>());
         sat::RegisterPlottedPassLayer(c.layers);
+        RegisterOverlaysAndHorizon(c.layers, OverlayStorePtr());
         return c;
     }();
     return components;

@@ -11,6 +11,7 @@
 #include "cli/mapoptions.h"
 #include "cli/options.h"
 #include "map/chartexport.h"
+#include "map/horizonprofile.h"
 #include "map/mapfile.h"
 #include "map/mapview.h"
 #include "util/angles.h"
@@ -85,7 +86,7 @@ int Render(Context& ctx)
     if (ctx.args.Has("list-formats")) return ListFormats(ctx);
     const auto known = OptionNames({&kSiteOptionNames, &kTimeOptionNames, &kMapOptionNames},
                                    {"out", "width", "height", "dpi", "scheme", "mono", "quality", "list-formats",
-                                    "rotate", "flip"});
+                                    "rotate", "flip", "overlay", "horizon"});
     if (const auto unknown = ctx.args.Unknown(known); !unknown.empty())
         return UsageError(ctx, "unknown option --" + unknown.front());
     const std::string out = ctx.args.Get("out").value_or("");
@@ -143,7 +144,23 @@ int Render(Context& ctx)
         view.coordinates.SetFlips(h ? -1 : 1, v ? -1 : 1);
     }
 
-    CChartRenderer renderer(ChartComponents());
+    if (auto hzn = ctx.args.Get("horizon")) {
+        const HorizonFileResult h = ReadHorizonFile(*hzn, doc.horizon.altitudeDeg);
+        if (!h.ok) return Fail(ctx, h.message);
+        doc.horizon.fileName = *hzn;
+    }
+    if (auto overlay = ctx.args.Get("overlay")) {
+        const COverlay o = ParseOverlayFile(*overlay);
+        if (!o.opened) return Fail(ctx, "Unable to open file\n\"" + *overlay + "\"");
+        // A bad line is reported and skipped; the rest of the overlay is drawn.
+        for (const OverlayDiagnostic& d : o.diagnostics)
+            if (d.severity == OverlayDiagnostic::Severity::Error)
+                ctx.err << *overlay << ':' << d.line << ": error: " << d.message << '\n';
+        OverlayStore().extraFiles.push_back(*overlay);
+    }
+
+    const CChartComponents& components = ChartComponents();
+    CChartRenderer renderer(components);
     const ExportResult result = ExportChart(renderer, view, options, request);
     if (!result.Ok()) return Fail(ctx, result.Message());
     const RenderStats& stats = renderer.LastStats();
@@ -189,6 +206,8 @@ constexpr const char* kRenderUsage =
     "  --mono                monochrome\n"
     "  --quality Q           JPEG quality 1-100 (default 90)\n"
     "  --rotate DEG          rotate the chart; --flip h|v|hv mirrors it\n"
+    "  --overlay FILE        draw a map overlay file (docs/overlay-files.md) over the sky\n"
+    "  --horizon FILE.hzn    the horizon profile drawn on alt-azimuth charts (instead of the map's)\n"
     ORV_CLI_MAP_OPTIONS_USAGE
     "  --list-formats        list the formats that can be written";
 

@@ -44,10 +44,10 @@ public:
     void DateToFrame(double raDateRad, double decDateRad, double v[3]) const;
     // From an apparent altitude and azimuth (horizon profile, alt-az grid).
     void HorizontalToFrame(double altRad, double azRad, double v[3]) const;
-    // A vector already rotated into the frame by a layer's own matrix (e.g.
-    // constellation boundaries from B1875.0) gets the chart's refraction on
-    // horizontal charts, as every other path above; nothing otherwise.
-    void RefractInFrame(double v[3]) const
+    // Refraction by the chart's rule on horizontal charts (nothing on
+    // equatorial ones), for a vector already turned into the frame by
+    // CatalogueMatrix() (large display lists brought over in one product).
+    void RefractFrameVector(double v[3]) const
     {
         if (m_horizontal) Refract(v);
     }

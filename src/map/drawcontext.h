@@ -162,6 +162,9 @@ void StrokePolylines(QPainter& p, const TracedCurve& c);
 class CGroundTest {
 public:
     explicit CGroundTest(const CChartFrame& frame);
+    // With the document's horizon profile when its "UseForEvents" is set:
+    // a point behind the trees is below the horizon too.
+    CGroundTest(const CChartFrame& frame, const CMapDoc& doc);
     // True when the screen point lies below the horizon.
     bool BelowHorizon(double xPx, double yPx) const;
     // The quadratic whose sign tells the side: negative below the horizon.
@@ -172,6 +175,8 @@ public:
 
 private:
     const CCoordinates& m_coords;
+    const CChartFrame* m_frame = nullptr;
+    const std::array<std::int8_t, kHorizonPoints>* m_profile = nullptr;
     double m_cn = 0.0, m_en = 0.0, m_sn = 0.0;
 };
 

@@ -19,6 +19,7 @@
 
 #include "map/curvetrace.h"
 #include "map/drawcontext.h"
+#include "map/horizonprofile.h"
 #include "observer/observer.h"
 #include "util/angles.h"
 
@@ -494,7 +495,22 @@ CGroundTest::CGroundTest(const CChartFrame& frame) : m_coords(frame.Coordinates(
     }
 }
 
-bool CGroundTest::BelowHorizon(double xPx, double yPx) const { return Side(m_coords.ScreenToPlane(xPx, yPx)) < 0.0; }
+CGroundTest::CGroundTest(const CChartFrame& frame, const CMapDoc& doc) : CGroundTest(frame)
+{
+    if (doc.horizon.useForEvents != 0) {
+        m_frame = &frame;
+        m_profile = &doc.horizon.altitudeDeg;
+    }
+}
+
+bool CGroundTest::BelowHorizon(double xPx, double yPx) const
+{
+    if (Side(m_coords.ScreenToPlane(xPx, yPx)) < 0.0) return true;
+    if (m_profile == nullptr) return false;
+    double altRad = 0.0, azRad = 0.0;
+    m_frame->ScreenToHorizontal(xPx, yPx, altRad, azRad);
+    return altRad < HorizonAltitudeRad(*m_profile, azRad);
+}
 
 // The horizon grid is traced once, in the first pass, and its lines are
 // drawn again with their labels in the second.

@@ -1,5 +1,7 @@
 #include "map/layersettings.h"
 
+#include "map/horizonprofile.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -498,7 +500,14 @@ void CAnnotationList::Read(CMapFileReader& in)
 
 // ------------------------------------------------------------------ Horizon
 
-void CHorizonData::Load(const CSettingsStore& store) { fileName = store.GetString("Horizon", "Filename", ""); }
+void CHorizonData::Load(const CSettingsStore& store)
+{
+    fileName = store.GetString("Horizon", "Filename", "");
+    useForEvents = store.GetInt("Horizon", "UseForEvents", 0);
+    // The profile in use is read at start; a missing or damaged file leaves
+    // the flat horizon (the editor reports why when the file is opened there).
+    if (!fileName.empty()) ReadHorizonFile(fileName, altitudeDeg);
+}
 
 void CHorizonData::Save(CSettingsStore& store) const { store.SetString("Horizon", "Filename", fileName); }
 

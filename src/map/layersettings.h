@@ -221,6 +221,9 @@ inline constexpr int kHorizonPoints = 360;
 struct CHorizonData {
     std::string fileName;
     std::array<std::int8_t, kHorizonPoints> altitudeDeg{};
+    // "UseForEvents": objects behind the profile count as below the horizon
+    // (not drawn on the ground, not in the visible lists). Settings only.
+    int useForEvents = 0;
     void Load(const CSettingsStore& store);
     void Save(CSettingsStore& store) const;
     void Write(CByteWriter& out) const;  // file name (counted string), 360 × i8

@@ -107,6 +107,9 @@ struct RiseTransitSet {
 // Apparent geocentric right ascension and declination of date (radians) of a
 // body at the instant jdUT.
 using ApparentPositionFn = std::function<void(double jdUT, double& raRad, double& decRad)>;
+// The observer's own horizon (trees, roofs, hills): the apparent altitude of
+// the horizon, radians, at an azimuth in radians from north through east.
+using LocalHorizonFn = std::function<double(double azimuthRad)>;
 
 // Standard altitudes h0 of the rise and set events (Meeus ch. 15): the
 // geometric altitude of the centre at the event.
@@ -229,6 +232,14 @@ public:
     // 145 times per day of window plus about 11 times per event.
     RiseTransitSet FindRiseTransitSet(const ApparentPositionFn& position, double jdUTStart, double windowDays,
                                       double h0Rad) const;
+    // The same over the observer's own horizon: the events are where the
+    // body's apparent altitude crosses the horizon's at its azimuth. `h0Rad`
+    // is the standard altitude of the mathematical horizon as above; its part
+    // that is not refraction (a semidiameter) is kept, and the refraction is
+    // taken at the horizon's altitude (InverseRefraction). An empty
+    // `horizon` is the mathematical horizon.
+    RiseTransitSet FindRiseTransitSet(const ApparentPositionFn& position, double jdUTStart, double windowDays,
+                                      double h0Rad, const LocalHorizonFn& horizon) const;
     // First instant after jdUTStart (within windowDays) at which the body
     // crosses h0 rising (rising = true) or setting; nothing when it does not.
     std::optional<double> FindNextCrossing(const ApparentPositionFn& position, double jdUTStart, double windowDays,
@@ -266,7 +277,7 @@ private:
     // `h0Rad` and the hour angle of `position` at an instant (NaN where the
     // position function gives none).
     std::function<void(double jdUT, double& f, double& hourAngleRad)> AltitudeAboveFn(
-        const ApparentPositionFn& position, double h0Rad) const;
+        const ApparentPositionFn& position, double h0Rad, const LocalHorizonFn* horizon = nullptr) const;
 
     std::string m_siteName = "Greenwich";
     double m_latitudeRad = 0.8980827862302452;  // 51°28'38" N

@@ -224,9 +224,15 @@ double CObserverDoc::AltitudeOf(double raRad, double decRad, double jdUT) const
 }
 
 std::function<void(double, double&, double&)> CObserverDoc::AltitudeAboveFn(const ApparentPositionFn& position,
-                                                                          double h0Rad) const
+                                                                          double h0Rad,
+                                                                          const LocalHorizonFn* horizon) const
 {
-    return [this, &position, h0Rad](double jd, double& f, double& hourAngleRad) {
+    // Over a local horizon of apparent altitude H the threshold is the true
+    // altitude that refraction lifts to H (H less the refraction there),
+    // plus what h0 holds beyond the refraction at the mathematical horizon
+    // (a semidiameter).
+    const double beyondRefraction = h0Rad + InverseRefraction(0.0);
+    return [this, &position, h0Rad, horizon, beyondRefraction](double jd, double& f, double& hourAngleRad) {
         double ra = std::numeric_limits<double>::quiet_NaN(), dec = ra;
         position(jd, ra, dec);
         if (!std::isfinite(ra) || !std::isfinite(dec)) {
@@ -235,12 +241,27 @@ std::function<void(double, double&, double&)> CObserverDoc::AltitudeAboveFn(cons
         }
         double alt;
         HourAngleAndAltitude(ra, dec, jd, hourAngleRad, alt);
-        f = alt - h0Rad;
+        if (horizon == nullptr || !*horizon) {
+            f = alt - h0Rad;
+            return;
+        }
+        // Azimuth from north through east (Meeus eq. 13.5 counts from the south).
+        const double phi = m_latitudeRad, h = hourAngleRad;
+        const double az = mod2pi(
+            std::atan2(std::sin(h), std::cos(h) * std::sin(phi) - std::tan(dec) * std::cos(phi)) + kPi);
+        const double horizonApparentRad = (*horizon)(az);
+        f = alt - (horizonApparentRad - InverseRefraction(horizonApparentRad) + beyondRefraction);
     };
 }
 
 RiseTransitSet CObserverDoc::FindRiseTransitSet(const ApparentPositionFn& position, double jdUTStart,
                                                 double windowDays, double h0Rad) const
+{
+    return FindRiseTransitSet(position, jdUTStart, windowDays, h0Rad, LocalHorizonFn());
+}
+
+RiseTransitSet CObserverDoc::FindRiseTransitSet(const ApparentPositionFn& position, double jdUTStart,
+                                                double windowDays, double h0Rad, const LocalHorizonFn& horizon) const
 {
     RiseTransitSet out;
     if (!position || !ValidWindow(jdUTStart, windowDays, h0Rad)) {
@@ -249,7 +270,7 @@ RiseTransitSet CObserverDoc::FindRiseTransitSet(const ApparentPositionFn& positi
     }
     double transitDecRad = std::numeric_limits<double>::quiet_NaN();
     double transitRaRad = 0.0;
-    CEventScan scan(AltitudeAboveFn(position, h0Rad), jdUTStart, windowDays);
+    CEventScan scan(AltitudeAboveFn(position, h0Rad, &horizon), jdUTStart, windowDays);
     scan.Run(
         [&](EventKind kind, double jd) {
             switch (kind) {

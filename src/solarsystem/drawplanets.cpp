@@ -260,7 +260,7 @@ void DrawPlanets(DrawContext& ctx, const CPlanets& planets, const PlanetChartPla
     const PlanetRecord& sun = planets.Record(kBodySun);
     const double W = ctx.Width(), H = ctx.Height();
     const bool solidGround = ctx.view.altAzGrid.solidHorizon != 0;
-    const CGroundTest ground(ctx.frame);
+    const CGroundTest ground(ctx.frame, ctx.doc);
     const StarSizeScale starScale{ctx.view.starState.magLimit, ctx.view.starState.magBright, ctx.doc.stars.starRadBright,
                                   ctx.doc.stars.starRadFaint};
     // The Sun first, the Moon last: nearer bodies cover farther ones.

@@ -11,6 +11,7 @@
 #include "catalog/constellations/drawconstellations.h"
 #include "catalog/deepsky/drawdeepsky.h"
 #include "catalog/stars/drawstars.h"
+#include "overlay/drawoverlay.h"
 #include "catalogbuild.h"
 #include "satellite/passdraw.h"
 #include "solarsystem/drawminor.h"
@@ -130,7 +131,8 @@ CSmallCatalogueChart::CSmallCatalogueChart(int widthPx, int heightPx) : m_width(
     m_renderer = std::make_unique<CChartRenderer>(m_components->components);
 }
 
-CTestChartComponents::CTestChartComponents() : stars(std::make_shared<CStarCatalogueHandle>())
+CTestChartComponents::CTestChartComponents()
+    : stars(std::make_shared<CStarCatalogueHandle>()), overlays(std::make_shared<COverlayStore>())
 {
     RegisterMapLayers(components.layers);
     RegisterStarCatalogue(components, stars);
@@ -143,6 +145,7 @@ CTestChartComponents::CTestChartComponents() : stars(std::make_shared<CStarCatal
     minor->Get().Comets().clear();
     RegisterMinorBodies(components, minor);
     sat::RegisterPlottedPassLayer(components.layers);
+    RegisterOverlaysAndHorizon(components.layers, overlays);
 }
 
 std::vector<VisibleStarRow> CSmallCatalogueChart::VisibleStars() const

@@ -20,6 +20,7 @@
 #include "catalog/stars/starsource.h"
 #include "map/mapdraw.h"
 #include "map/mapview.h"
+#include "overlay/overlayfile.h"
 #include "util/settingsstore.h"
 #include "writers/outputfile.h"
 
@@ -44,6 +45,7 @@ inline constexpr double kNorthDecDeg = 2.0;
 struct CTestChartComponents {
     CTestChartComponents();
     std::shared_ptr<CStarCatalogueHandle> stars;
+    std::shared_ptr<COverlayStore> overlays;
     CChartComponents components;
 };
 
@@ -59,6 +61,7 @@ public:
     CMapDoc& Doc() { return *m_doc; }
     CChartRenderer& Renderer() { return *m_renderer; }
     const CChartComponents& Components() const { return m_components->components; }
+    COverlayStore& Overlays() { return *m_components->overlays; }
     // The list of the stars of the last draw, and its text.
     std::vector<VisibleStarRow> VisibleStars() const;
     std::string VisibleStarsText() const;

@@ -11,6 +11,7 @@
 #include "deepskybuild.h"
 #include "ephemfit.h"
 #include "minorbuild.h"
+#include "overlaybuild.h"
 #include "planetbuild.h"
 #include "util/datapath.h"
 
@@ -23,6 +24,7 @@ void Usage(std::FILE* to)
         "                        [--out DATA_FOLDER] [--constellations]\n"
         "       orvane-databuild --deepsky [--sources DIR] [--stellarium DIR] [--out DATA_FOLDER]\n"
         "       orvane-databuild --minor [--sources DIR] [--kstars DIR] [--out DATA_FOLDER]\n"
+        "       orvane-databuild --overlays [--sources DIR] [--kstars DIR] [--out DATA_FOLDER]\n"
         "       orvane-databuild --planets ASTRONOMIA_DIR [--moon-block FILE] [--out DATA_FOLDER]\n"
         "       orvane-databuild --ephem96 [--out DATA_FOLDER]\n"
         "       orvane-databuild --earth-offset FILE\n"
@@ -40,6 +42,9 @@ void Usage(std::FILE* to)
         "  --deepsky         build the deep-sky catalogue files (deepsky/*) from stellarium-data\n"
         "                    instead of the star files, and the SAC database when its file\n"
         "                    (SAC_DeepSky_Ver81_QCQ.TXT) lies in DIR/sac\n"
+        "  --overlays        write the map overlays that come with the program (overlays/*.ovl:\n"
+        "                    the Milky Way from kstars-data's milkyway.dat, the galactic equator)\n"
+        "                    and the default list overlay.dat naming them, inactive\n"
         "\n"
         "With --minor, builds the default comet and asteroid catalogues (comet.cat, asteroid.cat)\n"
         "from kstars-data's asteroids.dat and cometels.json.gz.\n"
@@ -65,6 +70,7 @@ int main(int argc, char** argv)
     bool constellations = false;
     bool deepSky = false;
     bool minor = false;
+    bool overlays = false;
     std::string astronomiaDir;
     std::string moonBlock;
     bool ephem96 = false;
@@ -86,6 +92,7 @@ int main(int argc, char** argv)
         else if (arg == "--constellations") constellations = true;
         else if (arg == "--deepsky") deepSky = true;
         else if (arg == "--minor") minor = true;
+        else if (arg == "--overlays") overlays = true;
         else if (arg == "--planets") value(astronomiaDir);
         else if (arg == "--moon-block") value(moonBlock);
         else if (arg == "--ephem96") ephem96 = true;
@@ -151,6 +158,15 @@ int main(int argc, char** argv)
         std::printf("orvane-databuild: comet and asteroid catalogues done (%d asteroids, %d comets; %d and %d "
                     "entries refused)\n",
                     counts.asteroids, counts.comets, counts.asteroidsRefused, counts.cometsRefused);
+        return 0;
+    }
+    if (overlays) {
+        std::string error;
+        if (!orv::databuild::RunOverlayBuild(options.kstarsDir, options.outputDir, progress, error)) {
+            std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
+            return 1;
+        }
+        std::printf("orvane-databuild: overlays done\n");
         return 0;
     }
     if (deepSky) {

@@ -182,7 +182,7 @@ void CConstellationLayer::DrawBoundaries(DrawContext& ctx, int onlyConstellation
                     double u[3];
                     SphericalToVector(e.ra1Rad, dec, u);
                     Multiply(m, u, v);
-                    ctx.frame.RefractInFrame(v);
+                    ctx.frame.RefractFrameVector(v);
                 },
                 e.dec1Rad, e.dec2Rad, Steps(ctx, e.dec2Rad - e.dec1Rad));
         } else {
@@ -194,7 +194,7 @@ void CConstellationLayer::DrawBoundaries(DrawContext& ctx, int onlyConstellation
                     double u[3];
                     SphericalToVector(ra, e.dec1Rad, u);
                     Multiply(m, u, v);
-                    ctx.frame.RefractInFrame(v);
+                    ctx.frame.RefractFrameVector(v);
                 },
                 e.ra1Rad, e.ra1Rad + span, Steps(ctx, span * std::cos(e.dec1Rad)));
         }

@@ -330,7 +330,7 @@ void DrawStars(DrawContext& ctx, const CTycho2Catalogue& catalogue, StarLayerSta
     const BvThresholds thresholds{settings.bv1, settings.bv2, settings.bv3, settings.bv4};
     const QRgb plain = ctx.palette.starPlain.rgb();
     const bool solidGround = ctx.view.altAzGrid.solidHorizon != 0;
-    const CGroundTest ground(ctx.frame);
+    const CGroundTest ground(ctx.frame, ctx.doc);
     const double W = ctx.Width(), H = ctx.Height();
 
     // Disc sizes by magnitude and colours by B−V come from small tables

@@ -1,0 +1,457 @@
+#include "overlay/drawoverlay.h"
+
+#include <QFontMetricsF>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "map/curvetrace.h"
+#include "map/drawcontext.h"
+#include "map/horizonprofile.h"
+#include "observer/observer.h"
+#include "util/angles.h"
+
+namespace orv {
+
+namespace {
+
+void MatMulTransposeB(const double a[3][3], const double b[3][3], double out[3][3])
+{
+    for (int i = 0; i < 3; ++i)
+        for (int j = 0; j < 3; ++j) out[i][j] = a[i][0] * b[j][0] + a[i][1] * b[j][1] + a[i][2] * b[j][2];
+}
+
+// A colour of an overlay on this surface: the first on dark backgrounds, the
+// second on paper and light ones, then brought to the scheme.
+QColor SurfaceColour(const DrawContext& ctx, const OverlayColour& first, const OverlayColour& second)
+{
+    const bool light = ctx.palette.background.lightness() > 128;
+    const OverlayColour& c = light ? second : first;
+    QColor q(c.r, c.g, c.b);
+    const int y = (299 * c.r + 587 * c.g + 114 * c.b) / 1000;
+    if (ctx.options.monochrome) q = QColor(y, y, y);
+    if (ctx.palette.redOnly) q = QColor(std::max(y, 60), 0, 0);
+    return q;
+}
+
+Qt::PenStyle PenStyleOf(OverlayLineStyle s)
+{
+    switch (s) {
+    case OverlayLineStyle::Solid: return Qt::SolidLine;
+    case OverlayLineStyle::Dash: return Qt::DashLine;
+    case OverlayLineStyle::Dot: return Qt::DotLine;
+    case OverlayLineStyle::DashDot: return Qt::DashDotLine;
+    case OverlayLineStyle::DashDotDot: return Qt::DashDotDotLine;
+    }
+    return Qt::SolidLine;
+}
+
+// Brings an overlay's points to the chart and strokes them.
+class COverlayPainter {
+public:
+    explicit COverlayPainter(DrawContext& ctx) : m_ctx(ctx)
+    {
+        const double(*cat)[3] = ctx.frame.CatalogueMatrix();
+        for (int i = 0; i < 3; ++i)
+            for (int j = 0; j < 3; ++j) m_fromJ2000[i][j] = cat[i][j];
+        // Mean equator of the map's date → frame: J2000 → frame after the
+        // inverse of the precession J2000 → mean of date.
+        double prec[3][3];
+        for (int j = 0; j < 3; ++j) {
+            double e[3] = {0.0, 0.0, 0.0};
+            e[j] = 1.0;
+            ctx.doc.observer.PrecessXYZ(e, -1);
+            for (int i = 0; i < 3; ++i) prec[i][j] = e[i];
+        }
+        MatMulTransposeB(m_fromJ2000, prec, m_fromMapEpoch);
+        const double visible = ctx.coords.VisibleRadiusRad();
+        m_marginRad = CCurveTracer::CapMarginRad(visible);
+        m_capRad = std::min(visible + m_marginRad, 170.0 * kRadPerDeg);
+        m_cosCap = std::cos(m_capRad);
+        m_cosMargin = std::cos(m_marginRad);
+        const double pad = 4.0;
+        m_x0 = -pad, m_y0 = -pad, m_x1 = ctx.Width() + pad, m_y1 = ctx.Height() + pad;
+        if (ctx.frame.IsHorizontal()) BuildRefractionTable();
+    }
+
+    std::size_t Draw(const COverlay& o)
+    {
+        QPainter& p = m_ctx.painter;
+        p.setRenderHint(QPainter::Antialiasing, true);
+        SetLine(OverlayLine{});
+        QFont font = m_ctx.fonts.label;
+        QColor textColour = SurfaceColour(m_ctx, OverlayFont{}.first, OverlayFont{}.second);
+        int align = kOverlayAlignCentre;
+        Point prev;
+        bool havePrev = false;
+        for (const OverlayCommand& c : o.commands) {
+            switch (c.op) {
+            case OverlayOp::SelectLine:
+                Flush();
+                if (c.index < o.lines.size()) SetLine(o.lines[c.index]);
+                break;
+            case OverlayOp::SelectFont:
+                if (c.index < o.fonts.size()) {
+                    const OverlayFont& f = o.fonts[c.index];
+                    font = QFont(QString::fromStdString(f.face));
+                    font.setPixelSize(std::max(1, static_cast<int>(std::lround(f.sizePt * m_ctx.surface.dpiY / 72.0))));
+                    font.setWeight(f.bold ? QFont::Bold : QFont::Normal);
+                    font.setItalic(f.italic);
+                    textColour = SurfaceColour(m_ctx, f.first, f.second);
+                }
+                break;
+            case OverlayOp::TextAlign: align = static_cast<int>(c.index); break;
+            case OverlayOp::Move:
+                Flush();
+                prev = Transform(o, c);
+                havePrev = true;
+                break;
+            case OverlayOp::Draw: {
+                const Point cur = Transform(o, c);
+                if (havePrev) Segment(prev, cur, 0);
+                prev = cur;
+                havePrev = true;
+                break;
+            }
+            case OverlayOp::Text: {
+                const Point at = Transform(o, c);
+                if (at.ok && c.text < o.texts.size()) {
+                    Flush();
+                    DrawText(at.s, QString::fromStdString(o.texts[c.text]), font, textColour, align);
+                }
+                break;
+            }
+            }
+        }
+        Flush();
+        return m_segments;
+    }
+
+private:
+    struct Point {
+        double v[3] = {0.0, 0.0, 1.0};
+        bool inCap = false;
+        bool ok = false;  // in the cap and projected
+        ScreenPoint s;
+    };
+
+    // Refraction by the chart's rule as a table in the sine of the altitude,
+    // so that a large display list is lifted without a trigonometric call
+    // per point: the new sine and the factor of the horizontal components,
+    // interpolated linearly between 2049 samples from sin(−0.1 rad) to 1
+    // (0.004″ at worst). Where the rule jumps (objects refraction would not
+    // lift above the horizon keep their altitude) the exact rule is used.
+    void BuildRefractionTable()
+    {
+        m_refrZ0 = std::sin(-0.1);
+        m_refrStep = (1.0 - m_refrZ0) / kRefractionSamples;
+        m_refrZ.resize(kRefractionSamples + 1);
+        m_refrScale.resize(kRefractionSamples + 1);
+        for (int i = 0; i <= kRefractionSamples; ++i) {
+            const double z = std::min(1.0, m_refrZ0 + i * m_refrStep);
+            double v[3] = {std::sqrt(std::max(0.0, 1.0 - z * z)), 0.0, z};
+            const double horizontal = v[0];
+            m_ctx.frame.RefractFrameVector(v);
+            m_refrZ[i] = v[2];
+            m_refrScale[i] = horizontal > 1e-12 ? v[0] / horizontal : 1.0;
+        }
+    }
+
+    void Refract(double v[3]) const
+    {
+        if (m_refrZ.empty()) return;
+        const double z = v[2];
+        if (!(z > m_refrZ0)) return;  // below −0.1 rad the rule leaves the place alone
+        const double x = (z - m_refrZ0) / m_refrStep;
+        const int i = std::min(static_cast<int>(x), kRefractionSamples - 1);
+        const double f = x - i;
+        if (std::fabs(m_refrZ[i + 1] - m_refrZ[i]) > 4.0 * m_refrStep) {
+            m_ctx.frame.RefractFrameVector(v);
+            return;
+        }
+        const double s = m_refrScale[i] + f * (m_refrScale[i + 1] - m_refrScale[i]);
+        v[0] *= s;
+        v[1] *= s;
+        v[2] = m_refrZ[i] + f * (m_refrZ[i + 1] - m_refrZ[i]);
+    }
+
+    Point Finish(Point r) const
+    {
+        Refract(r.v);
+        r.inCap = m_ctx.frame.CosFromCentre(r.v) > m_cosCap;
+        r.ok = r.inCap && m_ctx.frame.ToScreen(r.v, r.s);
+        return r;
+    }
+
+    Point Transform(const COverlay& o, const OverlayCommand& c) const
+    {
+        const double* q = &o.points[3 * static_cast<std::size_t>(c.index)];
+        const double(*m)[3] = c.frame == OverlayFrame::J2000 ? m_fromJ2000 : m_fromMapEpoch;
+        Point r;
+        for (int i = 0; i < 3; ++i) r.v[i] = m[i][0] * q[0] + m[i][1] * q[1] + m[i][2] * q[2];
+        return Finish(r);
+    }
+
+    void Segment(const Point& a, const Point& b, int depth)
+    {
+        if (a.ok && b.ok) {
+            ScreenPoint sa = a.s, sb = b.s;
+            bool aClipped = false, bClipped = false;
+            if (!ClipSegmentToRect(sa, sb, m_x0, m_y0, m_x1, m_y1, aClipped, bClipped)) {
+                PenUp();
+                return;
+            }
+            if (aClipped || !m_penDown) {
+                PenUp();
+                m_curve.polylines.push_back({sa});
+                m_penDown = true;
+            }
+            m_curve.polylines.back().push_back(sb);
+            ++m_segments;
+            if (bClipped) PenUp();
+            return;
+        }
+        // An end outside the cap: a short segment lies wholly outside the
+        // visible field; a long one (a line of constant right ascension is
+        // one segment however long) is halved along its great circle.
+        const double cosAb = a.v[0] * b.v[0] + a.v[1] * b.v[1] + a.v[2] * b.v[2];
+        if (cosAb > m_cosMargin || depth >= 16) {
+            PenUp();
+            return;
+        }
+        if (!a.inCap && !b.inCap) {
+            // Every point of the arc lies within half its length of an end:
+            // when both ends are farther than that beyond the cap, so is the arc.
+            const double halfLength = 0.5 * std::acos(std::clamp(cosAb, -1.0, 1.0));
+            const double nearest = std::acos(std::clamp(
+                std::max(m_ctx.frame.CosFromCentre(a.v), m_ctx.frame.CosFromCentre(b.v)), -1.0, 1.0));
+            if (nearest - halfLength > m_capRad) {
+                PenUp();
+                return;
+            }
+        }
+        Point m;
+        const double n = std::sqrt((a.v[0] + b.v[0]) * (a.v[0] + b.v[0]) + (a.v[1] + b.v[1]) * (a.v[1] + b.v[1]) +
+                                   (a.v[2] + b.v[2]) * (a.v[2] + b.v[2]));
+        if (!(n > 1e-12)) {
+            PenUp();
+            return;
+        }
+        for (int i = 0; i < 3; ++i) m.v[i] = (a.v[i] + b.v[i]) / n;
+        m.inCap = m_ctx.frame.CosFromCentre(m.v) > m_cosCap;
+        m.ok = m.inCap && m_ctx.frame.ToScreen(m.v, m.s);
+        Segment(a, m, depth + 1);
+        Segment(m, b, depth + 1);
+    }
+
+    void PenUp() { m_penDown = false; }
+
+    void Flush()
+    {
+        if (!m_curve.polylines.empty()) StrokePolylines(m_ctx.painter, m_curve);
+        m_curve.polylines.clear();
+        m_penDown = false;
+    }
+
+    void SetLine(const OverlayLine& l)
+    {
+        const double width = l.widthQuarterPt > 0 ? l.widthQuarterPt * m_ctx.surface.dpiY / 72.0 / 4.0
+                                                   : m_ctx.LineWidth();
+        QPen pen(SurfaceColour(m_ctx, l.first, l.second), width);
+        pen.setStyle(PenStyleOf(l.style));
+        pen.setCapStyle(Qt::FlatCap);
+        pen.setJoinStyle(Qt::RoundJoin);
+        m_ctx.painter.setPen(pen);
+    }
+
+    void DrawText(const ScreenPoint& at, const QString& text, const QFont& font, const QColor& colour, int align)
+    {
+        QPainter& p = m_ctx.painter;
+        const QPen linePen = p.pen();
+        p.setFont(font);
+        p.setPen(colour);
+        const QFontMetricsF fm(font);
+        const double w = fm.horizontalAdvance(text), h = fm.ascent() + fm.descent();
+        const int ha = align / 16, va = align % 16;
+        const double x = at.x - (ha == 1 ? 0.0 : ha == 3 ? w : 0.5 * w);
+        const double top = at.y - (va == 1 ? 0.0 : va == 3 ? h : 0.5 * h);
+        p.drawText(QPointF(x, top + fm.ascent()), text);
+        p.setPen(linePen);
+    }
+
+    DrawContext& m_ctx;
+    double m_fromJ2000[3][3];
+    double m_fromMapEpoch[3][3];
+    double m_marginRad = 0.0, m_capRad = kPi, m_cosCap = -1.0, m_cosMargin = 1.0;
+    double m_x0 = 0, m_y0 = 0, m_x1 = 0, m_y1 = 0;
+    static constexpr int kRefractionSamples = 2048;
+    std::vector<double> m_refrZ, m_refrScale;
+    double m_refrZ0 = 0.0, m_refrStep = 1.0;
+    TracedCurve m_curve;
+    bool m_penDown = false;
+    std::size_t m_segments = 0;
+};
+
+// Draws what the store lists: the active entries (with this chart's
+// switches by level) and the extra files.
+class COverlayLayer final : public IChartLayer {
+public:
+    explicit COverlayLayer(std::shared_ptr<COverlayStore> store) : m_store(std::move(store)) {}
+    std::span<const LayerSlot> Slots() const override { return kSlots; }
+    void LevelChanged(int level) override
+    {
+        Sync();
+        m_level = level;
+        ApplyLevelRanges();
+    }
+    void Invalidate() override { m_generation = -1; }
+    void Draw(DrawContext& ctx, LayerSlot) override
+    {
+        Sync();
+        for (std::size_t i = 0; i < m_store->entries.size(); ++i)
+            if (m_active[i] != 0) DrawOverlay(ctx, *m_store->Get(m_store->entries[i].path));
+        for (const std::string& f : m_store->extraFiles) DrawOverlay(ctx, *m_store->Get(f));
+    }
+
+private:
+    static constexpr LayerSlot kSlots[] = {LayerSlot::Overlays};
+
+    // A changed list (the overlay dialog) gives every chart the list's
+    // flags again, with the ranges applied at the chart's level.
+    void Sync()
+    {
+        if (m_generation == m_store->generation && m_active.size() == m_store->entries.size()) return;
+        m_generation = m_store->generation;
+        m_active.clear();
+        for (const OverlayListEntry& e : m_store->entries) m_active.push_back(e.active);
+        ApplyLevelRanges();
+    }
+
+    void ApplyLevelRanges()
+    {
+        if (m_level < 0) return;
+        for (std::size_t i = 0; i < m_store->entries.size() && i < m_active.size(); ++i) {
+            const OverlayListEntry& e = m_store->entries[i];
+            if (e.HasLevelRange()) m_active[i] = e.LevelInRange(m_level) ? 1 : 0;
+        }
+    }
+
+    std::shared_ptr<COverlayStore> m_store;
+    std::vector<std::uint8_t> m_active;
+    int m_generation = -1;
+    int m_level = -1;
+};
+
+// The profile's altitude in degrees at an azimuth in degrees, never below 0
+// (the ground below the mathematical horizon is the grid's).
+double RaisedAltitudeDeg(const HorizonProfile& profile, double azDeg)
+{
+    return std::max(0.0, HorizonAltitudeRad(profile, azDeg * kRadPerDeg) * kDegPerRad);
+}
+
+class CHorizonLayer final : public IChartLayer {
+public:
+    std::span<const LayerSlot> Slots() const override { return kSlots; }
+    bool ShownAt(const CMapView& view, int) const override { return view.horizon.shown; }
+    void Draw(DrawContext& ctx, LayerSlot) override
+    {
+        if (!ctx.frame.IsHorizontal()) return;
+        if (ctx.view.altAzGrid.solidHorizon != 0) DrawHorizonGround(ctx);
+        DrawHorizonLine(ctx);
+    }
+
+private:
+    static constexpr LayerSlot kSlots[] = {LayerSlot::Horizon};
+};
+
+}  // namespace
+
+std::size_t DrawOverlay(DrawContext& ctx, const COverlay& overlay)
+{
+    if (overlay.commands.empty()) return 0;
+    ctx.painter.save();
+    COverlayPainter painter(ctx);
+    const std::size_t n = painter.Draw(overlay);
+    ctx.painter.restore();
+    return n;
+}
+
+void DrawHorizonGround(DrawContext& ctx)
+{
+    const HorizonProfile& profile = ctx.doc.horizon.altitudeDeg;
+    const double visible = ctx.coords.VisibleRadiusRad();
+    const double margin = CCurveTracer::CapMarginRad(visible);
+    const double cosCap = std::cos(std::min(visible + margin, 170.0 * kRadPerDeg));
+    // Cells small enough that none reaches across the cap's margin, from a
+    // quarter of a degree to two degrees on a side.
+    const double stepDeg = std::clamp(0.5 * margin * kDegPerRad, 0.25, 2.0);
+    const int perDegree = static_cast<int>(std::ceil(1.0 / stepDeg));
+    QPainterPath ground;
+    ground.setFillRule(Qt::WindingFill);
+    const double cosReach = std::cos(std::min(visible + margin + 92.0 * kRadPerDeg, kPi));
+    for (int k = 0; k < kHorizonFileBytes; ++k) {
+        const double top0 = std::max<double>(profile[k], 0.0), top1 = std::max<double>(profile[(k + 1) % 360], 0.0);
+        if (top0 <= 0.0 && top1 <= 0.0) continue;
+        double base[3];
+        ctx.frame.HorizontalToFrame(0.0, (k + 0.5) * kRadPerDeg, base);
+        if (ctx.frame.CosFromCentre(base) < cosReach) continue;
+        const int rows = std::max(1, static_cast<int>(std::ceil(std::max(top0, top1) / stepDeg)));
+        for (int i = 0; i < perDegree; ++i) {
+            const double az0 = k + static_cast<double>(i) / perDegree, az1 = k + static_cast<double>(i + 1) / perDegree;
+            const double h0 = RaisedAltitudeDeg(profile, az0), h1 = RaisedAltitudeDeg(profile, az1);
+            for (int j = 0; j < rows; ++j) {
+                const double t0 = static_cast<double>(j) / rows, t1 = static_cast<double>(j + 1) / rows;
+                const double corners[4][2] = {{az0, h0 * t0}, {az1, h1 * t0}, {az1, h1 * t1}, {az0, h0 * t1}};
+                QPolygonF cell;
+                bool all = true;
+                for (const auto& c : corners) {
+                    double v[3];
+                    ctx.frame.HorizontalToFrame(c[1] * kRadPerDeg, c[0] * kRadPerDeg, v);
+                    ScreenPoint s;
+                    if (!(ctx.frame.CosFromCentre(v) > cosCap) || !ctx.frame.ToScreen(v, s)) {
+                        all = false;
+                        break;
+                    }
+                    cell << QPointF(s.x, s.y);
+                }
+                if (all) {
+                    cell << cell.front();
+                    ground.addPolygon(cell);
+                }
+            }
+        }
+    }
+    if (ground.isEmpty()) return;
+    QPainter& p = ctx.painter;
+    p.setRenderHint(QPainter::Antialiasing, true);
+    p.setPen(Qt::NoPen);
+    p.setBrush(ctx.palette.ground);
+    p.drawPath(ground);
+}
+
+void DrawHorizonLine(DrawContext& ctx)
+{
+    const HorizonProfile& profile = ctx.doc.horizon.altitudeDeg;
+    const double visible = ctx.coords.VisibleRadiusRad();
+    const double cap = std::min(visible + CCurveTracer::CapMarginRad(visible), 170.0 * kRadPerDeg);
+    const CCurveTracer tracer(ctx.frame, ctx.Width(), ctx.Height(), cap, 0.3, ctx.LineWidth() + 2.0);
+    const int segments = std::max(360, static_cast<int>(std::ceil(kTwoPi / CCurveTracer::MaxStepRad(visible))));
+    const TracedCurve curve = tracer.Trace(
+        [&](double azRad, double v[3]) { ctx.frame.HorizontalToFrame(HorizonAltitudeRad(profile, azRad), azRad, v); },
+        0.0, kTwoPi, segments);
+    QPainter& p = ctx.painter;
+    p.setRenderHint(QPainter::Antialiasing, true);
+    p.setPen(QPen(ctx.palette.horizonLine, ctx.LineWidth(1.5)));
+    p.setBrush(Qt::NoBrush);
+    StrokePolylines(p, curve);
+}
+
+void RegisterOverlaysAndHorizon(CChartLayerRegistry& layers, std::shared_ptr<COverlayStore> store)
+{
+    layers.Add<COverlayLayer>(store);
+    layers.Add<CHorizonLayer>();
+}
+
+}  // namespace orv
