@@ -135,6 +135,10 @@ bool ComputeBesselianElements(double jdTT, BesselianElements& out)
     constexpr int kPoints = 9;
     double t[kPoints], x[kPoints], y[kPoints], d[kPoints], l1[kPoints], l2[kPoints], mu[kPoints];
     double tanF1 = 0.0, tanF2 = 0.0;
+    // Sidereal time at t0, carried to the other instants at the Earth's rate
+    // of rotation (nutation changes by milliarcseconds in four hours).
+    const double gast0 = GreenwichApparentSiderealTimeRad(t0, t0);
+    constexpr double kSiderealRadPerHour = 2.0 * kPi * 1.00273781191135448 / 24.0;
     for (int i = 0; i < kPoints; ++i) {
         t[i] = -4.0 + i;
         const double jd = t0 + t[i] / 24.0;
@@ -143,7 +147,7 @@ bool ComputeBesselianElements(double jdTT, BesselianElements& out)
         // μ as the canons give it: the ephemeris hour angle, the sidereal time
         // taken at the TT instant; the local circumstances subtract the
         // Earth's rotation during ΔT.
-        const BesselianInstant b = BesselianFromPlaces(places, GreenwichApparentSiderealTimeRad(jd, jd));
+        const BesselianInstant b = BesselianFromPlaces(places, gast0 + kSiderealRadPerHour * t[i]);
         x[i] = b.x;
         y[i] = b.y;
         d[i] = b.dRad / kDegToRad;
@@ -212,10 +216,8 @@ LunarShadowInstant LunarShadowFromPlaces(const SunMoonPlaces& p)
     const double sunSemidiameter =
         kSolarSemidiameterAt1AUArcsec * kArcsecToRad * kAstronomicalUnitKmIAU2012 / p.sunDistanceKm;
     s.moonSemidiameterRad = std::asin(kLunarRadiusLunarEclipseK * kEclipseEarthRadiusKm / p.moonDistanceKm);
-    s.penumbraRadiusRad =
-        kShadowEnlargementChauvenet * (kEarthRadius45Ratio * moonParallax + sunSemidiameter + sunParallax);
-    s.umbraRadiusRad =
-        kShadowEnlargementChauvenet * (kEarthRadius45Ratio * moonParallax - sunSemidiameter + sunParallax);
+    s.penumbraRadiusRad = kShadowParallaxFactorDanjon * moonParallax + sunParallax + sunSemidiameter;
+    s.umbraRadiusRad = kShadowParallaxFactorDanjon * moonParallax + sunParallax - sunSemidiameter;
     s.moonRaRad = p.moonRaRad;
     s.moonDecRad = p.moonDecRad;
     s.moonDistanceKm = p.moonDistanceKm;

@@ -30,20 +30,22 @@ inline constexpr double kLunarRadiusUmbraK2 = 0.2722810;
 inline constexpr double kLunarRadiusLunarEclipseK = 0.2725076;
 // The Sun's semidiameter at 1 AU, arcseconds (Auwers' 959.63″, the canons' value).
 inline constexpr double kSolarSemidiameterAt1AUArcsec = 959.63;
-// Chauvenet's enlargement of the Earth's shadow for its atmosphere (1/50),
-// and the ratio of the Earth's radius at latitude 45° to the equatorial
-// radius applied to the Moon's parallax (Astronomical Almanac), the
-// convention of the Five Millennium Canon of Lunar Eclipses.
-inline constexpr double kShadowEnlargementChauvenet = 1.02;
-inline constexpr double kEarthRadius45Ratio = 0.998340;
+// The Earth's shadow is enlarged for its atmosphere by Danjon's rule (1951):
+// the Earth's radius grows by 1/85 and is reduced for the flattening by
+// 1/594, so that the Moon's parallax enters both shadow radii multiplied by
+// 1.01 (Espenak & Meeus, Five Millennium Canon of Lunar Eclipses; the
+// Connaissance des Temps since 1951). Chauvenet's older 1/50 enlargement of
+// both radii gives umbral magnitudes about 0.005 and penumbral ones about
+// 0.026 larger, and some 90 more penumbral eclipses in five millennia.
+inline constexpr double kShadowParallaxFactorDanjon = 1.01;
 
 // The Moon's longitude is corrected by +(c1 T + c2 T² + c3 T³ + c4 T⁴)″, T
 // in Julian centuries from J2000: a fit to the instants of greatest eclipse
 // of the Five Millennium Canon of Solar Eclipses over −1924 … +2414 (its
 // lunar ephemeris is ELP-2000/82 with the secular acceleration −25.858″/cy²;
 // ours, the truncated ELP/MPP02 block, drifts from it by 2 minutes of time at
-// −1900). After the correction the two agree to 5 s over the whole span;
-// without it, to 30 s only back to −100. docs/eclipses.md has the residuals.
+// −1900). After the correction the two agree to 15 s over the whole span and
+// to 6 s after −1000; without it, to 30 s only back to −100.
 inline constexpr double kMoonCanonFitArcsec[4] = {0.31704, -0.019097, -0.00095136, -3.5138e-5};
 
 // Geocentric apparent places of date (true equator and equinox) of the Sun
@@ -104,8 +106,8 @@ bool ComputeBesselianElements(double jdTT, BesselianElements& out);
 // The Moon in the Earth's shadow at one instant, as angles seen from the
 // Earth's centre: the Moon's offset from the shadow's centre (the antisolar
 // point) in a plane tangent to the sky there, east (x) and north (y), the
-// Moon's semidiameter, and the penumbral and umbral radii with Chauvenet's
-// enlargement (Espenak & Meeus 2009, eq. 1-3 and 1-4).
+// Moon's semidiameter, and the penumbral and umbral radii enlarged by
+// Danjon's rule: Rp = 1.01 πm + πs + ss, Ru = 1.01 πm + πs − ss.
 struct LunarShadowInstant {
     double xRad = 0.0, yRad = 0.0;
     double moonSemidiameterRad = 0.0;

@@ -9,6 +9,7 @@
 #include "catalogbuild.h"
 #include "constellationbuild.h"
 #include "deepskybuild.h"
+#include "eclipsebuild.h"
 #include "planetbuild.h"
 #include "util/datapath.h"
 
@@ -21,6 +22,7 @@ void Usage(std::FILE* to)
         "                        [--out DATA_FOLDER] [--constellations]\n"
         "       orvane-databuild --deepsky [--sources DIR] [--stellarium DIR] [--out DATA_FOLDER]\n"
         "       orvane-databuild --planets ASTRONOMIA_DIR [--moon-block FILE] [--out DATA_FOLDER]\n"
+        "       orvane-databuild --eclipses [--out DATA_FOLDER]\n"
         "\n"
         "Builds the Tycho-2 star files (star/Tycho2/*, data/rgnbound.dat) into the data folder.\n"
         "  --sources DIR     the folder filled by tools/fetch-sources.sh (default: data-sources)\n"
@@ -39,7 +41,9 @@ void Usage(std::FILE* to)
         "With --planets, builds the VSOP87 series (Data/VSOP87.idx, Data/VSOP87.dat) instead,\n"
         "from the unpacked npm package astronomia (the folder holding data/vsop87D*.js);\n"
         "--moon-block FILE also writes the lunar series block from its ELP/MPP02 series\n"
-        "(the program's src/solarsystem/moondata.bin).\n",
+        "(the program's src/solarsystem/moondata.bin).\n"
+        "With --eclipses, computes every solar and lunar eclipse of -1999 ... +3000 and writes\n"
+        "the tables data/solar1-5.dat and data/lunar1-5.dat (needs the VSOP87 files).\n",
         to);
 }
 
@@ -54,6 +58,7 @@ int main(int argc, char** argv)
     bool deepSky = false;
     std::string astronomiaDir;
     std::string moonBlock;
+    bool eclipses = false;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         auto value = [&](std::string& into) {
@@ -72,6 +77,7 @@ int main(int argc, char** argv)
         else if (arg == "--deepsky") deepSky = true;
         else if (arg == "--planets") value(astronomiaDir);
         else if (arg == "--moon-block") value(moonBlock);
+        else if (arg == "--eclipses") eclipses = true;
         else if (arg == "--help" || arg == "-h") {
             Usage(stdout);
             return 0;
@@ -88,6 +94,15 @@ int main(int argc, char** argv)
         std::printf("[%6.1f s] %s\n", s, line.c_str());
         std::fflush(stdout);
     };
+    if (eclipses) {
+        std::string error;
+        if (!orv::databuild::RunEclipseBuild(options.outputDir, progress, error)) {
+            std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
+            return 1;
+        }
+        std::printf("orvane-databuild: done\n");
+        return 0;
+    }
     if (!astronomiaDir.empty()) {
         std::string error;
         if (!orv::databuild::RunPlanetBuild({astronomiaDir, options.outputDir, moonBlock}, progress, error)) {
