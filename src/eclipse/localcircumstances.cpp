@@ -193,21 +193,27 @@ SolarLocalCircumstances SolarLocal(const BesselianElements& e, const EclipseSite
         if (t2 && t3) out.centralDurationSeconds = (*t3 - *t2) * 3600.0;
     }
 
-    // Visible when the Sun is up at some instant of the eclipse: at either
-    // contact, at greatest eclipse, or in between (sampled every minute).
+    // On the fundamental plane the shadow cylinder also covers sites on the
+    // far side of the Earth (ζ < 0): the site is eclipsed only when it faces
+    // the Sun at some instant of the eclipse. Visible when the Sun is up then
+    // (sampled every minute between the contacts).
     const double from = out.first.valid ? (out.first.jdTT - e.t0JdTT) * 24.0 : -kSpan;
     const double to = out.last.valid ? (out.last.jdTT - e.t0JdTT) * 24.0 : kSpan;
+    bool facesSun = false;
     for (double t = from;; t += 1.0 / 60.0) {
         const double tt = std::min(t, to);
         const SitePlane p = at(tt);
         double alt, az;
         AltAz(site.latitudeRad, p.hourAngleRad, p.decRad, alt, az);
-        if (alt > kSunriseAltitudeRad) {
+        if (alt > 0.0 && p.m < p.L1) facesSun = true;
+        if (alt > kSunriseAltitudeRad && p.m < p.L1) {
             out.visible = true;
+            facesSun = true;
             break;
         }
         if (tt >= to) break;
     }
+    if (!facesSun && !out.visible) return SolarLocalCircumstances{};
     return out;
 }
 

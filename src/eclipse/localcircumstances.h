@@ -39,8 +39,11 @@ struct EclipseContact {
 };
 
 struct SolarLocalCircumstances {
-    bool eclipsed = false;  // the penumbra passes over the site (whether or not the Sun is up)
-    bool visible = false;   // and the Sun is up during some part of it
+    // The penumbra passes over the site while it faces the Sun (the Sun's
+    // centre above the geometric horizon), and, for `visible`, while the Sun
+    // is up (above −0.8333°).
+    bool eclipsed = false;
+    bool visible = false;
     char localType = 'P';   // 'T' total, 'A' annular at the site, else 'P'
     EclipseContact first, second, greatest, third, last;
     double magnitude = 0.0;    // fraction of the Sun's diameter covered at greatest eclipse
