@@ -21,6 +21,7 @@
 #include "app/appcontext.h"
 #include "app/deepskywindows.h"
 #include "app/dialogs.h"
+#include "app/eclipsewindows.h"
 #include "app/mapprint.h"
 #include "app/mapwindow.h"
 #include "app/satellitewindows.h"
@@ -229,6 +230,7 @@ void CMainFrame::CreateMenus()
     map->addAction(m_gridOptionsAct);
 
     menuBar()->addMenu(m_satellites->Menu());
+    menuBar()->addMenu((new CEclipseCommands(m_app, this, [this] { return ActiveMap(); }))->Menu());
 
     m_windowMenu = menuBar()->addMenu(tr("&Window"));
     connect(m_windowMenu, &QMenu::aboutToShow, this, [this] {

@@ -3,7 +3,9 @@
 // orvane-cli eclipse: one eclipse's global figures and its local
 // circumstances at the site.
 
+#include <QImage>
 #include <QJsonArray>
+#include <QPainter>
 #include <QJsonObject>
 #include <QString>
 
@@ -21,6 +23,8 @@
 #include "eclipse/eclipsesearch.h"
 #include "eclipse/eclipsetables.h"
 #include "eclipse/localcircumstances.h"
+#include "eclipse/eclipsemapdraw.h"
+#include "satellite/worldmap.h"
 #include "observer/observer.h"
 #include "util/datapath.h"
 
@@ -146,7 +150,7 @@ void PrintContact(std::ostream& out, const char* name, const EclipseContact& c, 
 
 int RunEclipse(Context& ctx)
 {
-    const auto known = OptionNames({&kSiteOptionNames}, {"solar", "lunar"});
+    const auto known = OptionNames({&kSiteOptionNames}, {"solar", "lunar", "map", "width", "height-px"});
     if (const auto unknown = ctx.args.Unknown(known); !unknown.empty())
         return UsageError(ctx, "unknown option --" + unknown.front());
     if (ctx.args.Positional().size() != 1) return UsageError(ctx, "give the eclipse's date: YYYY-MM-DD (UT or TT)");
@@ -178,6 +182,26 @@ int RunEclipse(Context& ctx)
     if (!event) return Fail(ctx, "no eclipse on " + ctx.args.Positional().front());
 
     const bool solar = event->kind == EclipseKind::Solar;
+    if (const auto mapPath = ctx.args.Get("map")) {
+        // The world map of the eclipse as a picture.
+        const auto width = ctx.args.GetNumber("width", error);
+        const auto height = ctx.args.GetNumber("height-px", error);
+        if (!error.empty()) return UsageError(ctx, error);
+        const int w = static_cast<int>(width.value_or(1600)), h = static_cast<int>(height.value_or(900));
+        if (w < 200 || h < 120 || w > 20000 || h > 20000) return UsageError(ctx, "--width/--height-px out of range");
+        sat::CWorldMap world;
+        world.LoadFromDataFolder();  // without it the map has no land, the paths are still drawn
+        const std::vector<sat::WorldOutline> land = sat::JoinWorldOutlines(world.Polylines());
+        QImage image(w, h, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        const EclipseRecord rec = RecordFromEvent(*event);
+        DrawEclipseMap(painter, QRectF(0, 0, w, h), land, *event,
+                       EclipseTypeText(event->kind, event->type) + " Eclipse of " + ResultDateText(rec) + " TT");
+        painter.end();
+        if (!image.save(QString::fromStdString(*mapPath)))
+            return Fail(ctx, "Unable to create file\n\"" + *mapPath + "\"");
+    }
     const std::string typeText = EclipseTypeText(event->kind, event->type);
     QJsonObject o;
     o["kind"] = solar ? "solar" : "lunar";
@@ -308,12 +332,14 @@ ORV_CLI_COMMAND("eclipses", "the solar and lunar eclipses of a span of years, or
                 RunEclipses);
 
 ORV_CLI_COMMAND("eclipse", "one eclipse: greatest eclipse, gamma, magnitude and the local circumstances at the site",
-                "orvane-cli eclipse YYYY-MM-DD [--solar | --lunar] [--lat DEG --lon DEG --height M] [--json]\n\n"
+                "orvane-cli eclipse YYYY-MM-DD [--solar | --lunar] [--lat DEG --lon DEG --height M] [--json]\n"
+                "                   [--map FILE.png [--width PX --height-px PX]]\n\n"
                 "  YYYY-MM-DD      the date of greatest eclipse (astronomical year; Julian calendar before\n"
                 "                  1582 October 15)\n"
                 "Solar: first, second, third and last contacts with the Sun's altitude and azimuth, magnitude,\n"
                 "obscuration, duration of totality or annularity, and the Besselian elements (JSON).\n"
                 "Lunar: P1, U1, U2, greatest, U3, U4, P4 with the Moon's altitude, the magnitudes.\n"
+                "--map writes the world map of the eclipse (the path with its limits, or where the Moon is up).\n"
                 "JSON keys: kind, type, greatestJdTT, deltaTSeconds, gamma, magnitude, local {firstContact ...\n"
                 "{jdTT, jdUT, utc, altitudeDeg, azimuthDeg}}, besselianElements {t0JdTT, x, y, dDeg, l1, l2,\n"
                 "muDeg, tanF1, tanF2}.\n",

@@ -162,7 +162,7 @@ int main(int argc, char** argv)
     }
     // Commands that draw text need a QGuiApplication (fonts); without a
     // display they use Qt's offscreen platform. The others stay headless.
-    static const std::vector<std::string> kDrawingCommands{"render"};
+    static const std::vector<std::string> kDrawingCommands{"render", "eclipse"};
     std::unique_ptr<QCoreApplication> app;
     if (std::find(kDrawingCommands.begin(), kDrawingCommands.end(), command->name) != kDrawingCommands.end()) {
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
