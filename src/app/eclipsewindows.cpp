@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QFontDatabase>
 #include <QImage>
 #include <QPainter>
 #include <QPrintDialog>
@@ -69,13 +70,13 @@ QString ContactLine(const char* name, const EclipseContact& c, bool azimuth)
 {
     if (!c.valid) return {};
     const CivilDateTime t = CivilFromJulianDate(c.jdUT);
-    QString line = QStringLiteral("%1\t%2:%3:%4 UT\talt %5°")
-                       .arg(QString::fromLatin1(name))
+    QString line = QStringLiteral("%1 %2:%3:%4 UT  alt %5°")
+                       .arg(QString::fromLatin1(name), -17)
                        .arg(t.hour, 2, 10, QChar('0'))
                        .arg(t.minute, 2, 10, QChar('0'))
                        .arg(static_cast<int>(t.second), 2, 10, QChar('0'))
                        .arg(c.altitudeRad * kRadToDeg, 0, 'f', 1);
-    if (azimuth) line += QStringLiteral("\taz %1°").arg(c.azimuthRad * kRadToDeg, 0, 'f', 1);
+    if (azimuth) line += QStringLiteral("  az %1°").arg(c.azimuthRad * kRadToDeg, 5, 'f', 1);
     return line + QLatin1Char('\n');
 }
 
@@ -268,7 +269,9 @@ CEclipseMapWindow::CEclipseMapWindow(CAppContext& app, const EclipseEvent& event
     auto* side = new QVBoxLayout;
     auto* text = new QPlainTextEdit(circumstances, this);
     text->setReadOnly(true);
-    text->setMinimumWidth(300);
+    text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    text->setLineWrapMode(QPlainTextEdit::NoWrap);
+    text->setMinimumWidth(400);
     side->addWidget(text, 1);
     auto* save = new QPushButton(tr("Save &Picture..."), this);
     auto* print = new QPushButton(tr("&Print..."), this);
