@@ -53,6 +53,11 @@ const CanonSolar kCanonSolar[] = {
     {-120, 11, 22, 0, 18, 7, 1.2013, 0.6299, 'P'},    {-380, 6, 21, 22, 20, 47, 1.2994, 0.4435, 'P'},
     {-768, 4, 24, 1, 54, 31, 0.8001, 0.9776, 'A'},    {-1438, 4, 21, 12, 16, 55, 0.0544, 0.9598, 'A'},
     {-1924, 5, 23, 15, 21, 27, -1.0637, 0.8577, 'P'},
+    // The hybrid eclipse of 2023 April 20 (NASA's figures as quoted in the
+    // eclipse's encyclopaedia article: greatest eclipse 4:17:56 TD, gamma
+    // −0.3952, magnitude 1.0132); not among the instants the Moon's
+    // correction was fitted to.
+    {2023, 4, 20, 4, 17, 56, -0.3952, 1.0132, 'H'},
 };
 
 TEST(EclipseCompute, SolarEclipsesOfTheCanon)

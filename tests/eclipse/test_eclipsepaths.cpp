@@ -63,6 +63,41 @@ TEST(EclipsePaths, TotalEclipse2024April)
     }
 }
 
+// The hybrid eclipse of 2023 April 20: greatest eclipse at 9.6° S,
+// 125.8° E (NASA, as quoted in the eclipse's encyclopaedia article); total
+// there, annular where the path begins and ends at sunrise and sunset.
+TEST(EclipsePaths, HybridEclipse2023April)
+{
+    SunMoonPlaces probe;
+    if (!SunMoonAt(2451545.0, probe)) GTEST_SKIP() << "no VSOP87 files in the data folder (" << GetDataPath() << ")";
+    const auto e = EclipseAtSyzygyNear(JulianDateFromCivil(CivilDateTime{2023, 4, 20, 4, 0, 0.0}), EclipseKind::Solar);
+    ASSERT_TRUE(e);
+    ASSERT_EQ('H', e->type);
+    BesselianElements b;
+    ASSERT_TRUE(ComputeBesselianElements(e->jdTT, b));
+    const SolarEclipsePaths paths = ComputeSolarEclipsePaths(b, e->jdTT);
+    ASSERT_TRUE(paths.hasGreatest);
+    EXPECT_NEAR(-9.6, paths.greatest.latitudeDeg, 0.1);
+    EXPECT_NEAR(125.8, paths.greatest.longitudeDeg, 0.1);
+    const SolarLocalCircumstances atGreatest =
+        SolarLocal(b, {paths.greatest.latitudeDeg * kDeg, paths.greatest.longitudeDeg * kDeg, 0.0});
+    EXPECT_EQ('T', atGreatest.localType);
+    ASSERT_EQ(1u, paths.central.size());
+    // Where the path meets the limb (ζ = 0) the umbra's radius is l2 itself:
+    // positive, annular, at both ends.
+    double tStart = 99.0, tEnd = -99.0;
+    for (int m = -240; m <= 240; ++m) {
+        const double t = m / 60.0;
+        if (std::hypot(b.X(t), b.Y(t)) < 0.997) {
+            tStart = std::min(tStart, t);
+            tEnd = std::max(tEnd, t);
+        }
+    }
+    ASSERT_LT(tStart, tEnd);
+    EXPECT_GT(b.L2(tStart), 0.0);
+    EXPECT_GT(b.L2(tEnd), 0.0);
+}
+
 TEST(EclipsePaths, MoonUpRegion)
 {
     SunMoonPlaces probe;
