@@ -49,7 +49,7 @@ SyzygyGuess MeeusSyzygy(double k, bool solar)
 // the syzygy (Meeus ch. 54: |sin F| > 0.36 excludes one). The bound is
 // widened a little so that no marginal penumbral eclipse is lost to the
 // approximate F; the ephemeris decides.
-constexpr double kNodeSinBound = 0.40;
+constexpr double kNodeSinBound = 0.37;
 
 constexpr double kStepDays = 0.08;  // the half-span of the three samples
 
@@ -61,8 +61,8 @@ double Interpolate(double a, double b, double c, double t, double h)
 }
 
 // Greatest eclipse by quadratic fits of three exact samples, re-centred
-// until the minimum lies near the middle sample (within 0.3 of the step,
-// where the fit's error is below a second of time). `Sample` fills a
+// until the minimum lies near the middle sample (within 0.6 of the step,
+// where the fit's error, from the motion's cubic term, is below 0.3 s). `Sample` fills a
 // geometry record; `xy` reads its two plane coordinates.
 template <class Record, class SampleFn, class XyFn>
 bool Refine(double guess, SampleFn sample, XyFn xy, double& jdBest, LeastDistance& best, std::array<Record, 3>& recs)
@@ -76,7 +76,7 @@ bool Refine(double guess, SampleFn sample, XyFn xy, double& jdBest, LeastDistanc
         }
         best = LeastDistanceQuadratic(xs, ys, kStepDays);
         jdBest = centre + best.t;
-        if (std::fabs(best.t) < 0.3 * kStepDays) return true;
+        if (std::fabs(best.t) < 0.6 * kStepDays) return true;
         centre = jdBest;
     }
     return true;

@@ -2,7 +2,7 @@
 // Eclipses (Espenak & Meeus, NASA TP-2006-214141): the Besselian elements
 // pages published by NASA for each eclipse give the instant of greatest
 // eclipse (TD), gamma, the magnitude, the type and the polynomial elements
-// (tests/data/eclipse/README.md lists them). The canon's ephemerides are
+// (the figures below, copied from those pages). The canon's ephemerides are
 // VSOP87 and ELP-2000/82 with the lunar secular acceleration set to
 // −25.858″/cy²; ours are VSOP87D and the ELP/MPP02 block (DE405 fit), so the
 // instants agree to seconds in the modern era and drift apart slowly with the
