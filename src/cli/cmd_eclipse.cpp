@@ -170,7 +170,9 @@ int RunEclipse(Context& ctx)
         if ((kind == EclipseKind::Solar && ctx.args.Has("lunar")) || (kind == EclipseKind::Lunar && ctx.args.Has("solar")))
             continue;
         const auto e = EclipseAtSyzygyNear(jdNoon, kind);
-        if (e && std::fabs(e->jdTT - jdNoon) < 0.75) {
+        if (!e) continue;
+        const CivilDateTime when = CivilFromJulianDate(e->jdTT);
+        if (when.year == date.year && when.month == date.month && when.day == date.day) {
             event = e;
             break;
         }
