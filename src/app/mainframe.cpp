@@ -23,6 +23,7 @@
 #include "app/deepskywindows.h"
 #include "app/dialogs.h"
 #include "app/horizoneditor.h"
+#include "app/eclipsewindows.h"
 #include "app/mapprint.h"
 #include "app/mapwindow.h"
 #include "app/minorwindows.h"
@@ -271,6 +272,7 @@ void CMainFrame::CreateMenus()
 
     menuBar()->addMenu(m_minor->Menu());
     menuBar()->addMenu(m_satellites->Menu());
+    menuBar()->addMenu((new CEclipseCommands(m_app, this, [this] { return ActiveMap(); }))->Menu());
 
     m_windowMenu = menuBar()->addMenu(tr("&Window"));
     connect(m_windowMenu, &QMenu::aboutToShow, this, [this] {

@@ -114,7 +114,7 @@ int main(int argc, char** argv)
     }
     // Commands that draw text need a QGuiApplication (fonts); without a
     // display they use Qt's offscreen platform. The others stay headless.
-    static const std::vector<std::string> kDrawingCommands{"render", "minor chart"};
+    static const std::vector<std::string> kDrawingCommands{"render", "minor chart", "eclipse"};
     std::unique_ptr<QCoreApplication> app;
     if (std::find(kDrawingCommands.begin(), kDrawingCommands.end(), command->name) != kDrawingCommands.end()) {
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -141,7 +141,7 @@ int main(int argc, char** argv)
     static const std::vector<std::string> kFlags{"json", "help", "all", "visible", "catalogue-only", "utc",
                                                  "apparent", "alt-az", "night", "no-refraction", "yes",
                                                  "no-age-check", "orbit", "any", "no-min-alt", "full", "summary",
-                                                 "mono", "list-formats", "csv", "topocentric"};
+                                                 "mono", "list-formats", "csv", "topocentric", "solar", "lunar"};
     orv::cli::CArgs args(words, kFlags);
     std::string settingsPath = args.Get("settings").value_or("");
     if (auto data = args.Get("data")) setenv("ORVANE_DATA", data->c_str(), 1);

@@ -346,7 +346,8 @@ void DrawTrack(QPainter& painter, const QRectF& map, double central, const Groun
     painter.restore();
 }
 
-void DrawLegend(QPainter& painter, const QRectF& band, const QFont& font, NightShading night)
+void DrawLegend(QPainter& painter, const QRectF& band, const QFont& font, NightShading night,
+                const GroundTrackMapOptions& options)
 {
     const QFontMetricsF fm(font);
     painter.setFont(font);
@@ -358,7 +359,9 @@ void DrawLegend(QPainter& painter, const QRectF& band, const QFont& font, NightS
     std::vector<Item> items = {{kSunlit, QString::fromLatin1(IlluminationName(Illumination::Sunlit)), false},
                                {kPenumbra, QString::fromLatin1(IlluminationName(Illumination::Penumbra)), false},
                                {kUmbra, QString::fromLatin1(IlluminationName(Illumination::Umbra)), false}};
-    if (night == NightShading::AtTrackStart) items.push_back({QColor(0, 0, 12), QStringLiteral("Night at the start"), true});
+    if (!options.illuminationLegend) items.clear();
+    if (night == NightShading::AtTrackStart)
+        items.push_back({QColor(0, 0, 12), QString::fromStdString(options.nightLegend), true});
     const double sample = 22.0, gap = 8.0, spacing = 20.0;
     double total = 0.0;
     for (const Item& i : items) total += sample + gap + fm.horizontalAdvance(i.text) + spacing;
@@ -449,8 +452,11 @@ void DrawGroundTrackMap(QPainter& painter, const QRectF& area, const std::vector
     painter.setClipRect(map);
     painter.fillRect(map, kOcean);
     DrawLand(painter, map, central, land);
-    if (options.night == NightShading::AtTrackStart && !track.points.empty())
-        DrawNight(painter, map, central, track.points.front().jdUT);
+    const bool nightShown = options.night == NightShading::AtTrackStart &&
+                            (!track.points.empty() || std::isfinite(options.nightAtJdUT));
+    if (nightShown)
+        DrawNight(painter, map, central,
+                  std::isfinite(options.nightAtJdUT) ? options.nightAtJdUT : track.points.front().jdUT);
     painter.restore();
     DrawGraticule(painter, map, central, small);
     DrawTrack(painter, map, central, track, options, small);
@@ -459,7 +465,7 @@ void DrawGroundTrackMap(QPainter& painter, const QRectF& area, const std::vector
     painter.drawRect(map);
 
     DrawLegend(painter, QRectF(area.left(), area.bottom() - LegendBand(area), area.width(), LegendBand(area)), small,
-               track.points.empty() ? NightShading::Off : options.night);
+               nightShown ? options.night : NightShading::Off, options);
     painter.restore();
 }
 

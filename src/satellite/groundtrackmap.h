@@ -12,6 +12,7 @@
 #include <QPainter>
 #include <QRectF>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,12 @@ struct GroundTrackMapOptions {
     double localOffsetHours = 0.0;     // the labels' local civil time: UT + this
     NightShading night = NightShading::AtTrackStart;
     std::string title;                 // drawn above the map
+    // Other users of the map (the eclipse paths): the night at a given
+    // instant even without a track, under its own legend text, and no
+    // legend of the track's illumination colours.
+    double nightAtJdUT = std::numeric_limits<double>::quiet_NaN();
+    std::string nightLegend = "Night at the start";
+    bool illuminationLegend = true;
 };
 
 // The map's rectangle inside `area` (2:1, centred, below the title band and

@@ -12,6 +12,7 @@
 #include "ephemfit.h"
 #include "minorbuild.h"
 #include "overlaybuild.h"
+#include "eclipsebuild.h"
 #include "planetbuild.h"
 #include "util/datapath.h"
 
@@ -28,6 +29,7 @@ void Usage(std::FILE* to)
         "       orvane-databuild --planets ASTRONOMIA_DIR [--moon-block FILE] [--out DATA_FOLDER]\n"
         "       orvane-databuild --ephem96 [--out DATA_FOLDER]\n"
         "       orvane-databuild --earth-offset FILE\n"
+        "       orvane-databuild --eclipses [--out DATA_FOLDER]\n"
         "\n"
         "Builds the Tycho-2 star files (star/Tycho2/*, data/rgnbound.dat) into the data folder.\n"
         "  --sources DIR     the folder filled by tools/fetch-sources.sh (default: data-sources)\n"
@@ -56,7 +58,10 @@ void Usage(std::FILE* to)
         "With --ephem96, fits the compact ephemeris Data/Ephem96.dat to the data folder's VSOP87\n"
         "files (every term) and the built-in Pluto series, and fails when the fit departs from\n"
         "them by more than 0.05 arcsec; --earth-offset FILE writes the program's table of the\n"
-        "Earth-Moon barycentre's offset from the Earth (src/solarsystem/earthoffset_terms.inc).\n",
+        "Earth-Moon barycentre's offset from the Earth (src/solarsystem/earthoffset_terms.inc).\n"
+        "\n"
+        "With --eclipses, computes every solar and lunar eclipse of -1999 ... +3000 and writes\n"
+        "the tables data/solar1-5.dat and data/lunar1-5.dat (needs the VSOP87 files).\n",
         to);
 }
 
@@ -75,6 +80,7 @@ int main(int argc, char** argv)
     std::string moonBlock;
     bool ephem96 = false;
     std::string earthOffset;
+    bool eclipses = false;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         auto value = [&](std::string& into) {
@@ -97,6 +103,7 @@ int main(int argc, char** argv)
         else if (arg == "--moon-block") value(moonBlock);
         else if (arg == "--ephem96") ephem96 = true;
         else if (arg == "--earth-offset") value(earthOffset);
+        else if (arg == "--eclipses") eclipses = true;
         else if (arg == "--help" || arg == "-h") {
             Usage(stdout);
             return 0;
@@ -118,6 +125,15 @@ int main(int argc, char** argv)
         const bool ok = !earthOffset.empty() ? orv::databuild::RunEarthOffsetBuild(earthOffset, progress, error)
                                              : orv::databuild::RunEphem96Build(options.outputDir, progress, error);
         if (!ok) {
+            std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
+            return 1;
+        }
+        std::printf("orvane-databuild: done\n");
+        return 0;
+    }
+    if (eclipses) {
+        std::string error;
+        if (!orv::databuild::RunEclipseBuild(options.outputDir, progress, error)) {
             std::fprintf(stderr, "orvane-databuild: %s\n", error.c_str());
             return 1;
         }

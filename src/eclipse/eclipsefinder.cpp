@@ -1,0 +1,240 @@
+#include "eclipse/eclipsefinder.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "eclipse/eclipsegeometry.h"
+#include "observer/observer.h"
+
+namespace orv {
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kDegToRad = kPi / 180.0;
+constexpr double kSynodicMonthDays = 29.530588861;
+
+// Meeus, Astronomical Algorithms 2nd ed., ch. 49 and 54: the instant of a
+// new (k integer) or full (k + 0.5) moon corrected towards the instant of
+// greatest eclipse, and the Moon's argument of latitude F. A first guess
+// only (a few minutes); the ephemeris decides.
+struct SyzygyGuess {
+    double jdTT;
+    double argumentOfLatitudeRad;
+};
+SyzygyGuess MeeusSyzygy(double k, bool solar)
+{
+    const double T = k / 1236.85;
+    const double T2 = T * T, T3 = T2 * T, T4 = T3 * T;
+    const double jde = 2451550.09766 + kSynodicMonthDays * k + 0.00015437 * T2 - 0.000000150 * T3 + 0.00000000073 * T4;
+    const double M = (2.5534 + 29.10535670 * k - 0.0000014 * T2 - 0.00000011 * T3) * kDegToRad;
+    const double Mp = (201.5643 + 385.81693528 * k + 0.0107582 * T2 + 0.00001238 * T3 - 0.000000058 * T4) * kDegToRad;
+    const double F = (160.7108 + 390.67050284 * k - 0.0016118 * T2 - 0.00000227 * T3 + 0.000000011 * T4) * kDegToRad;
+    const double Om = (124.7746 - 1.56375588 * k + 0.0020672 * T2 + 0.00000215 * T3) * kDegToRad;
+    const double E = 1.0 - 0.002516 * T - 0.0000074 * T2;
+    const double F1 = F - 0.02665 * kDegToRad * std::sin(Om);
+    const double A1 = (299.77 + 0.107408 * k - 0.009173 * T2) * kDegToRad;
+    double c = solar ? -0.4075 * std::sin(Mp) + 0.1721 * E * std::sin(M)
+                     : -0.4065 * std::sin(Mp) + 0.1727 * E * std::sin(M);
+    c += 0.0161 * std::sin(2 * Mp) - 0.0097 * std::sin(2 * F1) + 0.0073 * E * std::sin(Mp - M) -
+         0.0050 * E * std::sin(Mp + M) - 0.0023 * std::sin(Mp - 2 * F1) + 0.0021 * E * std::sin(2 * M) +
+         0.0012 * std::sin(Mp + 2 * F1) + 0.0006 * E * std::sin(2 * Mp + M) - 0.0004 * std::sin(3 * Mp) -
+         0.0003 * E * std::sin(M + 2 * F1) + 0.0003 * std::sin(A1) - 0.0002 * E * std::sin(M - 2 * F1) -
+         0.0002 * E * std::sin(2 * Mp - M) - 0.0002 * std::sin(Om);
+    return {jde + c, F};
+}
+
+// Eclipses are possible only when the Moon is within about 21° of a node at
+// the syzygy (Meeus ch. 54: |sin F| > 0.36 excludes one). The bound is
+// widened a little so that no marginal penumbral eclipse is lost to the
+// approximate F; the ephemeris decides.
+constexpr double kNodeSinBound = 0.37;
+
+constexpr double kStepDays = 0.08;  // the half-span of the three samples
+
+// Quadratic interpolation of three samples at −h, 0, +h to t.
+double Interpolate(double a, double b, double c, double t, double h)
+{
+    const double u = t / h;
+    return b + 0.5 * u * (c - a) + 0.5 * u * u * (c - 2.0 * b + a);
+}
+
+// Greatest eclipse by quadratic fits of three exact samples, re-centred
+// until the minimum lies near the middle sample (within 0.6 of the step,
+// where the fit's error, from the motion's cubic term, is below 0.3 s). `Sample` fills a
+// geometry record; `xy` reads its two plane coordinates.
+template <class Record, class SampleFn, class XyFn>
+bool Refine(double guess, SampleFn sample, XyFn xy, double& jdBest, LeastDistance& best, std::array<Record, 3>& recs)
+{
+    double centre = guess;
+    for (int iter = 0; iter < 6; ++iter) {
+        std::array<double, 3> xs{}, ys{};
+        for (std::size_t i = 0; i < 3; ++i) {
+            if (!sample(centre + (static_cast<double>(i) - 1.0) * kStepDays, recs[i])) return false;
+            xy(recs[i], xs[i], ys[i]);
+        }
+        best = LeastDistanceQuadratic(xs, ys, kStepDays);
+        jdBest = centre + best.t;
+        if (std::fabs(best.t) < 0.6 * kStepDays) return true;
+        centre = jdBest;
+    }
+    return true;
+}
+
+std::optional<EclipseEvent> SolarAt(double guess)
+{
+    auto sample = [](double jd, BesselianInstant& b) {
+        SunMoonPlaces p;
+        if (!SunMoonAt(jd, p)) return false;
+        b = BesselianFromPlaces(p, 0.0);
+        return true;
+    };
+    // The Earth's outline on the fundamental plane is an ellipse of
+    // semi-axes 1 and ρ1 (Explanatory Supplement 8.3): y1 = y/ρ1 makes it
+    // the unit circle. The least distance is taken to the centre (gamma);
+    // whether the axis meets the Earth is decided on the scaled plane.
+    double jd = 0.0;
+    LeastDistance least;
+    std::array<BesselianInstant, 3> r{};
+    if (!Refine(guess, sample, [](const BesselianInstant& b, double& x, double& y) { x = b.x; y = b.y; }, jd, least, r))
+        return std::nullopt;
+    const double t = least.t;
+    const double l1 = Interpolate(r[0].l1, r[1].l1, r[2].l1, t, kStepDays);
+    const double l2 = Interpolate(r[0].l2, r[1].l2, r[2].l2, t, kStepDays);
+    const double d = r[1].dRad;
+    const double tanF1 = r[1].tanF1, tanF2 = r[1].tanF2;
+
+    EclipseEvent e;
+    e.kind = EclipseKind::Solar;
+    e.jdTT = jd;
+    const double gamma = std::hypot(least.x, least.y);
+    e.gamma = least.y < 0.0 ? -gamma : gamma;
+
+    const double e2 = kEclipseEarthFlattening * (2.0 - kEclipseEarthFlattening);
+    const double rho1 = std::sqrt(1.0 - e2 * std::cos(d) * std::cos(d));
+    std::array<double, 3> ys1{r[0].y / rho1, r[1].y / rho1, r[2].y / rho1};
+    const LeastDistance scaled = LeastDistanceQuadratic({r[0].x, r[1].x, r[2].x}, ys1, kStepDays);
+    const double r1 = std::hypot(scaled.x, scaled.y);
+
+    if (r1 < 1.0) {
+        // Central: on the axis at the Earth's surface the umbra's radius is
+        // L2 = l2 − ζ tan f2; negative L2 is total. At the ends of the path
+        // (ζ = 0) it is l2 itself: total there too makes a total eclipse,
+        // annular there a hybrid one.
+        const double zeta = std::sqrt(std::max(0.0, 1.0 - r1 * r1));
+        const double L1 = l1 - zeta * tanF1;
+        const double L2 = l2 - zeta * tanF2;
+        if (L2 < 0.0)
+            e.type = l2 < 0.0 ? 'T' : 'H';
+        else
+            e.type = 'A';
+        e.magnitude = (L1 - L2) / (L1 + L2);
+        return e;
+    }
+    // Not central: the nearest point of the Earth's limb lies r1 − 1 from
+    // the axis, where ζ = 0 and the radii are l1 and l2.
+    const double m = r1 - 1.0;
+    if (m >= l1) return std::nullopt;  // the penumbra misses the Earth
+    e.magnitude = (l1 - m) / (l1 + l2);
+    if (m < std::fabs(l2))
+        e.type = l2 < 0.0 ? 'T' : 'A';  // the umbra touches the Earth, its axis does not
+    else
+        e.type = 'P';
+    return e;
+}
+
+std::optional<EclipseEvent> LunarAt(double guess)
+{
+    auto sample = [](double jd, LunarShadowInstant& s) {
+        SunMoonPlaces p;
+        if (!SunMoonAt(jd, p)) return false;
+        s = LunarShadowFromPlaces(p);
+        return true;
+    };
+    double jd = 0.0;
+    LeastDistance least;
+    std::array<LunarShadowInstant, 3> r{};
+    if (!Refine(guess, sample, [](const LunarShadowInstant& s, double& x, double& y) { x = s.xRad; y = s.yRad; }, jd,
+                least, r))
+        return std::nullopt;
+    const double t = least.t;
+    const double sm = Interpolate(r[0].moonSemidiameterRad, r[1].moonSemidiameterRad, r[2].moonSemidiameterRad, t,
+                                  kStepDays);
+    const double rp = Interpolate(r[0].penumbraRadiusRad, r[1].penumbraRadiusRad, r[2].penumbraRadiusRad, t, kStepDays);
+    const double ru = Interpolate(r[0].umbraRadiusRad, r[1].umbraRadiusRad, r[2].umbraRadiusRad, t, kStepDays);
+    const double km = Interpolate(r[0].moonDistanceKm, r[1].moonDistanceKm, r[2].moonDistanceKm, t, kStepDays);
+    const double dist = std::hypot(least.x, least.y);
+    EclipseEvent e;
+    e.kind = EclipseKind::Lunar;
+    e.jdTT = jd;
+    e.penumbralMagnitude = (rp + sm - dist) / (2.0 * sm);
+    e.magnitude = (ru + sm - dist) / (2.0 * sm);
+    const double gamma = std::sin(dist) * km / kEclipseEarthRadiusKm;
+    e.gamma = least.y < 0.0 ? -gamma : gamma;
+    if (e.magnitude >= 1.0)
+        e.type = 'T';
+    else if (e.magnitude > 0.0)
+        e.type = 'P';
+    else if (e.penumbralMagnitude > 0.0)
+        e.type = 'N';
+    else
+        return std::nullopt;
+    return e;
+}
+
+}  // namespace
+
+EclipseList FindEclipses(int firstYear, int lastYear, EclipseKinds kinds, const EclipseProgressFn& progress)
+{
+    EclipseList list;
+    SunMoonPlaces probe;
+    if (!SunMoonAt(2451545.0, probe)) {
+        list.ephemerisMissing = true;
+        return list;
+    }
+    if (lastYear < firstYear) return list;
+    const double jdStart = JulianDateFromCivil(CivilDateTime{firstYear, 1, 1, 0, 0, 0.0});
+    const double jdEnd = JulianDateFromCivil(CivilDateTime{lastYear + 1, 1, 1, 0, 0, 0.0});
+    const double kFirst = std::floor((jdStart - 2451550.09766) / kSynodicMonthDays) - 1.0;
+    const double kLast = std::ceil((jdEnd - 2451550.09766) / kSynodicMonthDays) + 1.0;
+    const bool wantSolar = kinds != EclipseKinds::Lunar;
+    const bool wantLunar = kinds != EclipseKinds::Solar;
+
+    int sinceReport = 0;
+    for (double k = kFirst; k <= kLast; k += 1.0) {
+        if (progress && ++sinceReport >= 64) {
+            sinceReport = 0;
+            if (!progress((k - kFirst) / (kLast - kFirst + 1.0))) {
+                list.cancelled = true;
+                break;
+            }
+        }
+        for (int half = 0; half < 2; ++half) {
+            const bool solar = half == 0;
+            if (solar ? !wantSolar : !wantLunar) continue;
+            const SyzygyGuess guess = MeeusSyzygy(k + (solar ? 0.0 : 0.5), solar);
+            if (std::fabs(std::sin(guess.argumentOfLatitudeRad)) > kNodeSinBound) continue;
+            const std::optional<EclipseEvent> e = solar ? SolarAt(guess.jdTT) : LunarAt(guess.jdTT);
+            if (!e || e->jdTT < jdStart || e->jdTT >= jdEnd) continue;
+            list.events.push_back(*e);
+        }
+    }
+    std::sort(list.events.begin(), list.events.end(),
+              [](const EclipseEvent& a, const EclipseEvent& b) { return a.jdTT < b.jdTT; });
+    if (progress && !list.cancelled) progress(1.0);
+    return list;
+}
+
+std::optional<EclipseEvent> EclipseAtSyzygyNear(double jdTT, EclipseKind kind)
+{
+    if (!std::isfinite(jdTT)) return std::nullopt;
+    const bool solar = kind == EclipseKind::Solar;
+    const double offset = solar ? 0.0 : 0.5;
+    const double k = std::round((jdTT - 2451550.09766) / kSynodicMonthDays - offset) + offset;
+    const SyzygyGuess guess = MeeusSyzygy(k, solar);
+    if (std::fabs(std::sin(guess.argumentOfLatitudeRad)) > kNodeSinBound) return std::nullopt;
+    return solar ? SolarAt(guess.jdTT) : LunarAt(guess.jdTT);
+}
+
+}  // namespace orv

@@ -1,0 +1,269 @@
+#include "eclipse/eclipsesearch.h"
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+
+#include "observer/observer.h"
+#include "util/atomicfile.h"
+#include "util/datapath.h"
+#include "util/settingsstore.h"
+
+namespace orv {
+
+namespace {
+
+constexpr double kRadToDeg = 57.29577951308232;
+constexpr int kFirstTableYear = -1999;
+constexpr int kLastTableYear = 3000;
+
+std::string YearText(int year)
+{
+    char text[24];
+    if (year < 1)
+        std::snprintf(text, sizeof text, "%1d BC", 1 - year);
+    else
+        std::snprintf(text, sizeof text, "%1d AD", year);
+    return text;
+}
+
+std::string UtTimeText(double jdUT)
+{
+    const CivilDateTime c = CivilFromJulianDate(jdUT);
+    char text[32];
+    std::snprintf(text, sizeof text, "%02d:%02d:%02d", c.hour, c.minute, static_cast<int>(c.second));
+    return text;
+}
+
+}  // namespace
+
+void EclipseSearchSettings::Load(const CSettingsStore& store)
+{
+    startYear = store.GetInt("EclipseSearch", "StartYear", startYear);
+    endYear = store.GetInt("EclipseSearch", "EndYear", endYear);
+    displayOption = store.GetInt("EclipseSearch", "DisplayOption", displayOption);
+    solar = store.GetInt("EclipseSearch", "Solar", solar ? 1 : 0) != 0;
+    lunar = store.GetInt("EclipseSearch", "Lunar", lunar ? 1 : 0) != 0;
+}
+
+void EclipseSearchSettings::Save(CSettingsStore& store) const
+{
+    store.SetInt("EclipseSearch", "StartYear", startYear);
+    store.SetInt("EclipseSearch", "EndYear", endYear);
+    store.SetInt("EclipseSearch", "DisplayOption", displayOption);
+    store.SetInt("EclipseSearch", "Solar", solar ? 1 : 0);
+    store.SetInt("EclipseSearch", "Lunar", lunar ? 1 : 0);
+}
+
+std::optional<std::string> ValidateEclipseSearch(const EclipseSearchSettings& s)
+{
+    if (!s.solar && !s.lunar) return "You must select at least one of the solar\nor lunar eclipse search options.";
+    if (s.endYear < kFirstTableYear || s.endYear > kLastTableYear)
+        return "Please enter an end year between 2000 BC and 3000 AD.";
+    // A start year before the tables would scan nothing more than from their
+    // first year; one after the end year is the same mistake as below.
+    if (s.endYear <= s.startYear || s.startYear < kFirstTableYear) return "The end year must be after the start year.";
+    return std::nullopt;
+}
+
+int EclipseSearchProgressRange(const EclipseSearchSettings& s)
+{
+    const int years = s.endYear - s.startYear + 1;
+    return s.solar && s.lunar ? 2 * years : years;
+}
+
+EclipseSearchOutcome RunEclipseSearch(const EclipseSearchSettings& settings, const EclipseSite& site,
+                                      EclipseVisibility visibility, const EclipseSearchProgressFn& progress,
+                                      const std::string& scratchPath)
+{
+    EclipseSearchOutcome outcome;
+    if (!scratchPath.empty()) {
+        std::error_code ec;
+        std::filesystem::remove(scratchPath, ec);
+    }
+    int yearsDone = 0;
+    for (const EclipseKind kind : {EclipseKind::Solar, EclipseKind::Lunar}) {
+        if (kind == EclipseKind::Solar ? !settings.solar : !settings.lunar) continue;
+        int number = EclipseFileNumber(settings.startYear);
+        int lastYear = settings.startYear;
+        bool started = false;
+        bool done = false;
+        while (!done && number <= kEclipseFileCount) {
+            std::string path;
+            std::optional<std::vector<EclipseRecord>> records;
+            if (LocateDataFile(EclipseFileName(kind, number), path)) records = ReadEclipseFile(path);
+            if (!records) {
+                // A missing file ends the scan of this kind.
+                if (!started) outcome.tablesMissing = true;
+                break;
+            }
+            for (const EclipseRecord& r : *records) {
+                if (!started) {
+                    if (r.year < settings.startYear) continue;
+                    started = true;
+                }
+                if (r.year > settings.endYear) {
+                    done = true;
+                    break;
+                }
+                if (r.year != lastYear) {
+                    yearsDone += r.year - lastYear;
+                    lastYear = r.year;
+                    if (progress && !progress(yearsDone)) {
+                        outcome.cancelled = true;
+                        return outcome;
+                    }
+                }
+                EclipseSearchResult result;
+                result.record = r;
+                result.kind = kind;
+                const double jdTT = RecordJulianDateTT(r);
+                bool keep = false;
+                if (kind == EclipseKind::Solar) {
+                    if (settings.displayOption == kEclipseDisplayNoPartialSolar && r.type == 'P') continue;
+                    BesselianElements elements;
+                    if (!ComputeBesselianElements(jdTT, elements)) continue;
+                    result.solar = SolarLocal(elements, site);
+                    keep = visibility == EclipseVisibility::Anywhere || (result.solar.eclipsed && result.solar.visible);
+                } else {
+                    const auto lunar = LunarLocal(jdTT, site);
+                    if (lunar) result.lunar = *lunar;
+                    keep = visibility == EclipseVisibility::Anywhere || (lunar && lunar->visible);
+                }
+                if (keep) outcome.results.push_back(result);
+            }
+            ++number;
+        }
+        // The rest of this kind's span counts as done.
+        const int years = settings.endYear - settings.startYear + 1;
+        yearsDone = kind == EclipseKind::Lunar && settings.solar ? 2 * years : years;
+        if (progress && !progress(yearsDone)) {
+            outcome.cancelled = true;
+            return outcome;
+        }
+    }
+    if (!scratchPath.empty() && !outcome.results.empty()) {
+        std::vector<std::uint8_t> bytes;
+        for (const EclipseSearchResult& r : outcome.results) {
+            std::uint8_t rec[kEclipseRecordBytes];
+            EncodeEclipseRecord(r.record, rec);
+            bytes.insert(bytes.end(), rec, rec + kEclipseRecordBytes);
+        }
+        WriteFileAtomically(scratchPath, bytes);  // a scratch copy: a failure costs nothing
+    }
+    return outcome;
+}
+
+std::string FormatEclipseDuration(double seconds)
+{
+    const long s = std::lround(std::max(0.0, seconds));
+    char text[32];
+    std::snprintf(text, sizeof text, "%02ldh %02ldm %02lds", s / 3600, (s / 60) % 60, s % 60);
+    return text;
+}
+
+ResultTable MakeEclipseResultTable(const EclipseSearchSettings& settings, const std::vector<EclipseSearchResult>& results)
+{
+    ResultTable t;
+    t.title = "Eclipses visible between " + YearText(settings.startYear) + " and " + YearText(settings.endYear);
+    t.reportHeadings = HeadingLine::Include;
+    t.timeBase = "UT";
+    t.columns = {
+        {"Date (TT)", "greatestJdTT", "", CellAlign::Left, "2024 AD Apr 08 18:18", "", {"Greatest eclipse, dynamical time"}},
+        {"Type", "type", "", CellAlign::Left, "Penumbral Lunar", "", {}},
+        {"Local max (UT)", "localGreatestJdUT", "", CellAlign::Left, "00:00:00", "", {"Greatest eclipse at the site, UT"}},
+        {"Magnitude", "magnitude", "", CellAlign::Right, "0.000", "", {"Solar: at the site; lunar: umbral"}},
+        {"Altitude", "altitudeDeg", "deg", CellAlign::Right, "-00.0", "", {"Sun's or Moon's altitude at greatest eclipse"}},
+        {"Obscuration", "obscuration", "", CellAlign::Right, "0.00", "", {"Fraction of the Sun's disc covered"}},
+        {"Duration", "centralDurationSeconds", "s", CellAlign::Right, "00h 00m 00s", "", {"Totality or annularity at the site"}},
+    };
+    char text[32];
+    for (const EclipseSearchResult& r : results) {
+        ResultRow row;
+        row.cells.push_back(ResultCell::Number(RecordJulianDateTT(r.record), ResultDateText(r.record)));
+        row.cells.emplace_back(EclipseTypeText(r.kind, r.record.type));
+        if (r.kind == EclipseKind::Solar) {
+            const SolarLocalCircumstances& s = r.solar;
+            if (s.eclipsed) {
+                row.cells.push_back(ResultCell::Number(s.greatest.jdUT, UtTimeText(s.greatest.jdUT)));
+                std::snprintf(text, sizeof text, "%.2lf", s.magnitude);
+                row.cells.push_back(ResultCell::Number(s.magnitude, text));
+                std::snprintf(text, sizeof text, "%.1lf", s.greatest.altitudeRad * kRadToDeg);
+                row.cells.push_back(ResultCell::Number(s.greatest.altitudeRad * kRadToDeg, text));
+                std::snprintf(text, sizeof text, "%.2lf", s.obscuration);
+                row.cells.push_back(ResultCell::Number(s.obscuration, text));
+                if (s.centralDurationSeconds > 0.0)
+                    row.cells.push_back(
+                        ResultCell::Number(s.centralDurationSeconds, FormatEclipseDuration(s.centralDurationSeconds)));
+                else
+                    row.cells.emplace_back();
+            } else {
+                for (int i = 0; i < 5; ++i) row.cells.emplace_back();
+            }
+        } else {
+            const LunarLocalCircumstances& l = r.lunar;
+            row.cells.push_back(ResultCell::Number(l.greatest.jdUT, UtTimeText(l.greatest.jdUT)));
+            const double m = r.record.type == 'N' ? l.penumbralMagnitude : l.umbralMagnitude;
+            std::snprintf(text, sizeof text, "%.2lf", m);
+            row.cells.push_back(ResultCell::Number(m, text));
+            std::snprintf(text, sizeof text, "%.1lf", l.greatest.altitudeRad * kRadToDeg);
+            row.cells.push_back(ResultCell::Number(l.greatest.altitudeRad * kRadToDeg, text));
+            row.cells.emplace_back();
+            const double totality = l.u2.valid && l.u3.valid ? (l.u3.jdTT - l.u2.jdTT) * 86400.0 : 0.0;
+            if (totality > 0.0)
+                row.cells.push_back(ResultCell::Number(totality, FormatEclipseDuration(totality)));
+            else
+                row.cells.emplace_back();
+        }
+        t.rows.push_back(std::move(row));
+    }
+    return t;
+}
+
+std::optional<ResultTable> MakeEclipseBrowseTable(EclipseKind kind, int fileNumber)
+{
+    std::string path;
+    if (!LocateDataFile(EclipseFileName(kind, fileNumber), path)) return std::nullopt;
+    const auto records = ReadEclipseFile(path);
+    if (!records) return std::nullopt;
+    ResultTable t;
+    t.title = std::string(kind == EclipseKind::Solar ? "Solar" : "Lunar") + " eclipses, file " +
+              std::to_string(fileNumber);
+    t.reportHeadings = HeadingLine::Include;
+    t.columns = {
+        {"Date", "date", "", CellAlign::Left, "1999BC May 21", "", {}},
+        {"Type", "type", "", CellAlign::Left, "Penumbral", "", {}},
+        {"Greatest (TT)", "greatestJdTT", "", CellAlign::Left, "00:00", "", {"Greatest eclipse, dynamical time"}},
+        {"Magnitude", "magnitude", "", CellAlign::Right, "0.00", "", {"Solar: eclipse magnitude; lunar: umbral (penumbral for penumbral eclipses)"}},
+    };
+    char text[32];
+    for (const EclipseRecord& r : *records) {
+        ResultRow row;
+        const double jd = RecordJulianDateTT(r);
+        row.cells.push_back(ResultCell::Number(jd, BrowseDateText(r)));
+        row.cells.emplace_back(EclipseTypeShortText(kind, r.type));
+        std::snprintf(text, sizeof text, "%02d:%02d", r.hour, r.minute);
+        row.cells.push_back(ResultCell::Number(jd, text));
+        std::snprintf(text, sizeof text, "%.2lf", r.extra / 100.0);
+        row.cells.push_back(ResultCell::Number(r.extra / 100.0, text));
+        t.rows.push_back(std::move(row));
+    }
+    return t;
+}
+
+void EclipseBrowsePosition::Load(const CSettingsStore& store, EclipseKind kind)
+{
+    const char* section = kind == EclipseKind::Solar ? "SolarEclipse" : "LunarEclipse";
+    fileNumber = store.GetInt(section, "FileNumber", 5);
+    if (fileNumber < 1 || fileNumber > kEclipseFileCount) fileNumber = 5;
+    lineNumber = std::max(0, store.GetInt(section, "LineNumber", 0));
+}
+
+void EclipseBrowsePosition::Save(CSettingsStore& store, EclipseKind kind) const
+{
+    const char* section = kind == EclipseKind::Solar ? "SolarEclipse" : "LunarEclipse";
+    store.SetInt(section, "FileNumber", fileNumber);
+    store.SetInt(section, "LineNumber", lineNumber);
+}
+
+}  // namespace orv
