@@ -34,11 +34,16 @@ inline std::vector<std::span<const std::uint8_t>> Split(const std::uint8_t* data
     return out;
 }
 
-// A folder of this process's own below the system's temporary folder.
+// A folder of this process's own, in memory when the system offers a
+// memory file system (the readers' file writes are most of a run).
 inline const std::filesystem::path& ScratchFolder()
 {
     static const std::filesystem::path folder = [] {
-        auto p = std::filesystem::temp_directory_path() / ("orvane-fuzz-" + std::to_string(::getpid()));
+        std::error_code ec;
+        const std::filesystem::path base = std::filesystem::is_directory("/dev/shm", ec)
+                                               ? std::filesystem::path("/dev/shm")
+                                               : std::filesystem::temp_directory_path();
+        auto p = base / ("orvane-fuzz-" + std::to_string(::getpid()));
         std::filesystem::create_directories(p);
         return p;
     }();
