@@ -112,5 +112,24 @@ def main():
         write("fuzz_databuild", "dso-stream", raw[:4000])
 
 
+def more_seeds(data):
+    """Seeds of the readers added later: minor bodies, overlays and
+    horizons, the compact ephemeris and the eclipse tables."""
+    top = os.path.join(os.path.dirname(__file__), "..")
+    write("fuzz_minor", "mpcorb", read(os.path.join(top, "tests/data/minor/MPCORB.excerpt.DAT")))
+    write("fuzz_minor", "cometels", read(os.path.join(top, "tests/data/minor/CometEls.txt")))
+    write("fuzz_minor", "catalogues", first_lines(os.path.join(data, "asteroid.cat"), 8) +
+          first_lines(os.path.join(data, "comet.cat"), 8))
+    write("fuzz_overlay", "galactic", SEP.join([
+        first_lines(os.path.join(data, "overlays/galactic.ovl"), 60),
+        b"# azimuth altitude\n0 5\n90 12.5\n180 3\n270 20\n", bytes(range(0, 90)) * 4]))
+    write("fuzz_ephemfiles", "eclipses", SEP.join([
+        read(os.path.join(data, "Data/Ephem96.dat"), 4096), read(os.path.join(data, "data/solar1.dat"), 400)]))
+
+
+if __name__ == "__main__" and len(sys.argv) > 3 and sys.argv[3] == "--more":
+    more_seeds(sys.argv[1])
+    sys.exit(0)
+
 if __name__ == "__main__":
     main()

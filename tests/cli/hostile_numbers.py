@@ -37,6 +37,11 @@ def cases(work, tle):
          ["--width", "--height", "--dpi", "--rotate", "--field", "--level", "--ra", "--dec", "--alt", "--az",
           "--quality", "--jd", "--lat"]),
         (["map", "new", "--out", ovm], ["--ra", "--dec", "--alt", "--az", "--field", "--level", "--jd", "--lat"]),
+        (["ephemeris", "Mars", "--from", "2025-01-01", "--to", "2025-01-10"], ["--step", "--lat", "--lon", "--zone"]),
+        (["minor", "Ceres"], site),
+        (["eclipses", "--from", "2024", "--to", "2026", "--visible"], ["--from", "--to", "--lat", "--lon", "--height"]),
+        (["eclipse", "2024-04-08"], ["--lat", "--lon", "--height"]),
+        (["eclipse", "2024-04-08", "--map", os.path.join(work, "eclipse.png")], ["--width", "--height-px"]),
     ]
 
 
