@@ -314,6 +314,7 @@ void CHorizonEditorDialog::Load()
         QMessageBox::critical(this, windowTitle(), QString::fromStdString(r.message));
         return;
     }
+    if (!r.message.empty()) QMessageBox::warning(this, windowTitle(), QString::fromStdString(r.message));
     m_undo.push_back(m_profile);
     m_profile = loaded;
     m_fileName = path;

@@ -125,6 +125,7 @@ int HorizonShow(Context& ctx)
     HorizonProfile profile{};
     const HorizonFileResult r = ReadHorizonFile(ctx.args.Positional().front(), profile);
     if (!r.ok) return Fail(ctx, r.message);
+    if (!r.message.empty()) ctx.err << "orvane-cli: warning: " << r.message << '\n';
     if (ctx.json) {
         QJsonArray alts;
         for (const std::int8_t a : profile) alts.append(int(a));

@@ -147,6 +147,7 @@ int Render(Context& ctx)
     if (auto hzn = ctx.args.Get("horizon")) {
         const HorizonFileResult h = ReadHorizonFile(*hzn, doc.horizon.altitudeDeg);
         if (!h.ok) return Fail(ctx, h.message);
+        if (!h.message.empty()) ctx.err << "orvane-cli: warning: " << h.message << '\n';
         doc.horizon.fileName = *hzn;
     }
     if (auto overlay = ctx.args.Get("overlay")) {

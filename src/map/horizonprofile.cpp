@@ -55,10 +55,17 @@ HorizonFileResult ReadHorizonFile(const std::string& path, HorizonProfile& profi
     if (!in) return Failure("Unable to open file\n\"" + path + "\"");
     std::vector<char> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     if (in.bad()) return Failure("Unable to open file\n\"" + path + "\"");
+    // A file of another length is still read, as far as it goes (a short
+    // file sets the first degrees and leaves the rest as they were), and the
+    // user is told what was found.
+    const std::size_t n = std::min(bytes.size(), static_cast<std::size_t>(kHorizonFileBytes));
+    for (std::size_t k = 0; k < n; ++k) profile[k] = static_cast<std::int8_t>(bytes[k]);
     if (bytes.size() != static_cast<std::size_t>(kHorizonFileBytes))
-        return Failure("\"" + path + "\" is not a horizon file: it holds " + std::to_string(bytes.size()) +
-                       " bytes, a horizon file exactly 360 (one altitude for each degree of azimuth).");
-    for (int k = 0; k < kHorizonFileBytes; ++k) profile[k] = static_cast<std::int8_t>(bytes[k]);
+        return {true, "\"" + path + "\" holds " + std::to_string(bytes.size()) +
+                          " bytes where a horizon file has 360 (one altitude for each degree of azimuth): " +
+                          (bytes.size() < 360 ? "the altitudes of azimuths " + std::to_string(n) +
+                                                    "° to 359° were left as they were."
+                                              : "the bytes after the 360th were ignored.")};
     return {true, {}};
 }
 

@@ -26,12 +26,15 @@ using HorizonProfile = std::array<std::int8_t, kHorizonFileBytes>;
 
 struct HorizonFileResult {
     bool ok = false;
-    std::string message;  // the program's message when !ok, naming the file (and the line)
+    std::string message;  // the program's message when !ok, naming the file (and the line);
+                          // when ok, a warning for the user, or empty
 };
 
 // Reads a ".hzn" file. A file that cannot be opened gives "Unable to open
-// file\n\"%s\""; a file of another length than 360 bytes is refused with a
-// message giving its length. `profile` changes only on success.
+// file\n\"%s\"" and leaves `profile` unchanged. A file of another length than
+// 360 bytes is read as far as it goes (the first 360 bytes of a longer file;
+// a shorter one sets its first degrees only) and `message` warns, giving its
+// length.
 HorizonFileResult ReadHorizonFile(const std::string& path, HorizonProfile& profile);
 // The 360 bytes of a profile, replacing the file atomically; a file that
 // cannot be created gives "Unable to create file\n\"%s\"".

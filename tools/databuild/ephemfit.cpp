@@ -209,8 +209,8 @@ bool RunEarthOffsetBuild(const std::string& includePath, const Progress& progres
         // the larger stands for both.
         const double resolution = 1.5 * kTwoPiValue / (samples * step);
         std::vector<double> omega;
-        for (const auto& line : ranked) {
-            const double w = line.second;
+        for (const auto& ranking : ranked) {
+            const double w = ranking.second;
             if (static_cast<int>(omega.size()) == n) break;
             if (std::none_of(omega.begin(), omega.end(), [&](double o) { return std::fabs(o - w) < resolution; }))
                 omega.push_back(w);
