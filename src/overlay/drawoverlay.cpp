@@ -358,6 +358,12 @@ public:
     void Draw(DrawContext& ctx, LayerSlot) override
     {
         if (!ctx.frame.IsHorizontal()) return;
+        const HorizonProfile& profile = ctx.doc.horizon.altitudeDeg;
+        const bool flat = std::all_of(profile.begin(), profile.end(), [](std::int8_t a) { return a == 0; });
+        // A flat profile is the mathematical horizon, which the horizon
+        // grid already draws (and fills below) when it is shown: stroking
+        // it a second time would only cost time.
+        if (flat && ctx.view.altAzGrid.state > 0) return;
         if (ctx.view.altAzGrid.solidHorizon != 0) DrawHorizonGround(ctx);
         DrawHorizonLine(ctx);
     }
