@@ -513,19 +513,25 @@ void CMinorCatalogDialog::ShowPath()
     const int i = SelectedEntry();
     if (i < 0) return;
     bool ok = false;
-    const double days = QInputDialog::getDouble(this, tr("Orbit Path"), tr("Days, centred on now:"), 60.0, 1.0, 3650.0,
-                                                0, &ok);
+    const QString centredOn = m_pathCentreJdTT ? tr("Days, centred on the map's date:") : tr("Days, centred on now:");
+    const double days = QInputDialog::getDouble(this, tr("Orbit Path"), centredOn, 60.0, 1.0, 3650.0, 0, &ok);
     if (!ok) return;
     const double step = QInputDialog::getDouble(this, tr("Orbit Path"), tr("Days between ticks:"), days <= 90.0 ? 1.0 : 10.0,
                                                 0.01, 365.0, 2, &ok);
     if (!ok) return;
-    CObserverDoc now;
-    now.SetToNow();
+    double centreJdTT = 0.0;
+    if (m_pathCentreJdTT) {
+        centreJdTT = *m_pathCentreJdTT;
+    } else {
+        CObserverDoc now;
+        now.SetToNow();
+        centreJdTT = now.JulianDateTDT();
+    }
     MinorPathRequest path;
     path.kind = m_kind;
     path.index = static_cast<std::size_t>(i);
-    path.startJdTT = now.JulianDateTDT() - 0.5 * days;
-    path.endJdTT = now.JulianDateTDT() + 0.5 * days;
+    path.startJdTT = centreJdTT - 0.5 * days;
+    path.endJdTT = centreJdTT + 0.5 * days;
     path.stepDays = step;
     path.labelEvery = 5;
     CMinorCatalogs& c = m_app.MinorCatalogs().Get();
@@ -687,6 +693,8 @@ CMinorCommands::CMinorCommands(CAppContext& app, QWidget* frame, std::function<C
 void CMinorCommands::ShowCatalog(MinorKind kind)
 {
     CMinorCatalogDialog dialog(m_app, kind, m_frame);
+    // Paths drawn from the dialog span the date of the map they are seen on.
+    if (CMapWindow* w = m_activeMap()) dialog.SetPathCentre(w->Doc().observer.JulianDateTDT());
     dialog.exec();
 }
 

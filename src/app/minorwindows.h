@@ -7,6 +7,7 @@
 // and asteroids visible on a chart.
 #pragma once
 
+#include <optional>
 #include <QAbstractTableModel>
 #include <QDialog>
 #include <QPointer>
@@ -63,8 +64,11 @@ public:
     bool SaveCatalog();
     void SaveCatalogAs();
     // Draws the selected entry's orbit path on the charts: a span of days
-    // centred on now (asked), a tick a day; ClearPaths removes every path.
+    // (asked) centred on the active map's instant, or on now without a map;
+    // ClearPaths removes every path.
     void ShowPath();
+    // The instant (JD TT) the paths are centred on; nothing for the present.
+    void SetPathCentre(std::optional<double> jdTT) { m_pathCentreJdTT = jdTT; }
     void ClearPaths();
 
 protected:
@@ -78,6 +82,7 @@ private:
     void UpdateTitle();
 
     CAppContext& m_app;
+    std::optional<double> m_pathCentreJdTT;
     MinorKind m_kind;
     CMinorCatalogModel* m_model = nullptr;
     QTableView* m_view = nullptr;
