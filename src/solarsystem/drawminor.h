@@ -71,7 +71,9 @@ public:
         return (m_kind == MinorKind::Asteroid ? view.asteroids : view.comets).shown;
     }
     void Draw(DrawContext& ctx, LayerSlot slot) override;
-    void Invalidate() override { m_computedFor.reset(); }
+    // The places are keyed on everything they depend on (instant, site,
+    // catalogue generation, filter): a full redraw keeps them.
+    void Invalidate() override {}
 
 private:
     static constexpr LayerSlot kAsteroidSlot[] = {LayerSlot::Asteroids};
