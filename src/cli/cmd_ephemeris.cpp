@@ -7,6 +7,7 @@
 #include <cmath>
 #include <string>
 
+#include "cli/bodyargument.h"
 #include "cli/cli.h"
 #include "cli/options.h"
 #include "cli/tableprinter.h"
@@ -48,12 +49,9 @@ int RunEphemeris(Context& ctx)
     const auto known = OptionNames({&kSiteOptionNames}, {"from", "to", "step", "topocentric", "utc"});
     if (const auto unknown = ctx.args.Unknown(known); !unknown.empty())
         return UsageError(ctx, "unknown option --" + unknown.front());
-    if (ctx.args.Positional().size() != 1)
-        return UsageError(ctx, "give one body: Sun, Moon, Mercury, Venus, Mars, Jupiter, Saturn, Uranus, Neptune or Pluto");
-    const std::optional<int> body = BodyFromName(ctx.args.Positional().front());
-    if (!body)
-        return UsageError(ctx, "\"" + ctx.args.Positional().front() +
-                                   "\" is not Sun, Moon, Mercury, Venus, Mars, Jupiter, Saturn, Uranus, Neptune or Pluto");
+    std::string bodyError;
+    const std::optional<int> body = BodyArgument(ctx, bodyError);
+    if (!body) return UsageError(ctx, bodyError);
 
     CObserverDoc site;
     site.LoadSettings(ctx.settings);

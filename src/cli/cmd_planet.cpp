@@ -10,6 +10,7 @@
 #include <ostream>
 #include <string>
 
+#include "cli/bodyargument.h"
 #include "cli/cli.h"
 #include "cli/options.h"
 #include "observer/observer.h"
@@ -27,12 +28,9 @@ int RunPlanet(Context& ctx)
     const auto known = OptionNames({&kSiteOptionNames, &kTimeOptionNames}, {"topocentric"});
     if (const auto unknown = ctx.args.Unknown(known); !unknown.empty())
         return UsageError(ctx, "unknown option --" + unknown.front());
-    if (ctx.args.Positional().size() != 1)
-        return UsageError(ctx, "give one body: Sun, Moon, Mercury, Venus, Mars, Jupiter, Saturn, Uranus, Neptune or Pluto");
-    const std::optional<int> body = BodyFromName(ctx.args.Positional().front());
-    if (!body)
-        return UsageError(ctx, "\"" + ctx.args.Positional().front() +
-                                   "\" is not Sun, Moon, Mercury, Venus, Mars, Jupiter, Saturn, Uranus, Neptune or Pluto");
+    std::string bodyError;
+    const std::optional<int> body = BodyArgument(ctx, bodyError);
+    if (!body) return UsageError(ctx, bodyError);
 
     CObserverDoc doc;
     doc.LoadSettings(ctx.settings);
