@@ -21,9 +21,10 @@ namespace {
 struct AlmanacSearch {
     PhenomenonKind kind;
     std::vector<int> bodies;  // CPlanets body numbers
-    // Steps: one hour for the Moon's events; six hours for the Sun and the
-    // planets, whose quantities are smooth enough over six hours that the
-    // three-point refinement is good to well under a second.
+    // Steps: one or two hours for the Moon's events; six hours for the
+    // Sun and the planets, whose quantities are smooth enough over that
+    // step that the three-point refinement is good to a second (twelve hours
+    // would cost Mercury a minute).
     double stepHours;
 };
 

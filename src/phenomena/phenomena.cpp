@@ -100,7 +100,12 @@ constexpr double kFixedDistanceAU = 1.0e7;
 // precession with frame bias) is the planets' own, through ApparentPlaceOf.
 class CSampler {
 public:
-    explicit CSampler(const CObserverDoc& observer) : m_observer(observer) {}
+    // `stepDays`: the search's step. Below a quarter of a day the Moon is
+    // interpolated from quarter-day nodes (see MoonAt).
+    CSampler(const CObserverDoc& observer, double stepDays)
+        : m_observer(observer), m_interpolateMoon(stepDays < kMoonNodeDays)
+    {
+    }
 
     // The state of `body` at jdTT; false when it has no position there.
     // `helio` asks for the geometric heliocentric distance instead of the
@@ -125,11 +130,11 @@ public:
             }
             return std::isfinite(s.sunDistanceAU);
         }
-        if (!Frame(jdTT)) return false;
         if (body.type == PhenomenonBody::Type::SolarSystem && body.planet == kBodyMoon) {
+            if (!Orientation(jdTT)) return false;
             // The lunar series gives the geocentric place of date referred to
             // the mean equinox; nutation in longitude takes it to the true one.
-            const MoonEclipticPlace moon = EvaluateMoonBlock(MoonDataBlock(), jdTT);
+            const MoonEclipticPlace moon = MoonAt(jdTT);
             if (!std::isfinite(moon.lonDeg)) return false;
             s.lonRad = moon.lonDeg * kRadPerDeg + m_dPsi;
             s.latRad = moon.latDeg * kRadPerDeg;
@@ -137,9 +142,10 @@ public:
             const double se = std::sin(m_trueObliquity), ce = std::cos(m_trueObliquity);
             s.raRad = std::atan2(std::sin(s.lonRad) * ce - std::tan(s.latRad) * se, std::cos(s.lonRad));
             s.decRad = std::asin(std::clamp(std::sin(s.latRad) * ce + std::cos(s.latRad) * se * std::sin(s.lonRad), -1.0, 1.0));
-            // Elongation and distance from the Sun need the Sun's place.
+            // Elongation and distance from the Sun need the Sun's place: only
+            // at the events (the Moon's samples do without).
             BodyState sun;
-            if (State(PhenomenonBody::Planet(kBodySun), jdTT, false, sun)) {
+            if (m_moonElongation && State(PhenomenonBody::Planet(kBodySun), jdTT, false, sun)) {
                 s.elongationRad = std::acos(std::clamp(std::sin(sun.decRad) * std::sin(s.decRad) +
                                                            std::cos(sun.decRad) * std::cos(s.decRad) *
                                                                std::cos(sun.raRad - s.raRad),
@@ -148,6 +154,7 @@ public:
             }
             return true;
         }
+        if (!Frame(jdTT)) return false;
         ApparentPlace place;
         switch (body.type) {
         case PhenomenonBody::Type::SolarSystem: {
@@ -205,8 +212,51 @@ public:
         return std::isfinite(s.lonRad) && std::isfinite(s.latRad);
     }
 
+    // Whether the Moon's states carry its elongation (the Sun's place).
+    void SetMoonElongation(bool on) { m_moonElongation = on; }
+
 private:
     static constexpr double kNodeDays = 2.0;
+    static constexpr double kMoonNodeDays = 0.25;
+
+    // The lunar series costs most of a Moon sample. Its terms of any size
+    // have periods above 9 days, so a cubic through quarter-day nodes
+    // reproduces it to better than 0.02″ in longitude (the 27.55-day term of
+    // 6.29°: (2π·0.25/27.55)⁴·3/128 of it is 0.006″; the 14.77-day and
+    // 9.6-day terms add less) and 1 m in distance: far below the 0.5″ the
+    // Moon moves in a second of time.
+    MoonEclipticPlace MoonAt(double jdTT)
+    {
+        if (!m_interpolateMoon) return EvaluateMoonBlock(MoonDataBlock(), jdTT);
+        const double x = (jdTT - kJ2000JdTT) / kMoonNodeDays;
+        if (!(std::abs(x) < 1e9)) return EvaluateMoonBlock(MoonDataBlock(), jdTT);
+        const long long k = static_cast<long long>(std::floor(x));
+        const double u = x - static_cast<double>(k);
+        const double w[4] = {-u * (u - 1.0) * (u - 2.0) / 6.0, (u + 1.0) * (u - 1.0) * (u - 2.0) / 2.0,
+                             -(u + 1.0) * u * (u - 2.0) / 2.0, (u + 1.0) * u * (u - 1.0) / 6.0};
+        MoonEclipticPlace out{0.0, 0.0, 0.0};
+        double lon0 = 0.0;
+        for (int i = 0; i < 4; ++i) {
+            const long long key = k - 1 + i;
+            auto it = m_moonNodes.find(key);
+            if (it == m_moonNodes.end()) {
+                if (m_moonNodes.size() > 200000) m_moonNodes.clear();
+                it = m_moonNodes
+                         .emplace(key, EvaluateMoonBlock(MoonDataBlock(),
+                                                         kJ2000JdTT + kMoonNodeDays * static_cast<double>(key)))
+                         .first;
+            }
+            const MoonEclipticPlace& n = it->second;
+            if (!std::isfinite(n.lonDeg)) return EvaluateMoonBlock(MoonDataBlock(), jdTT);
+            // Longitudes unwrapped against the first node.
+            if (i == 0) lon0 = n.lonDeg;
+            out.lonDeg += w[i] * (lon0 + std::remainder(n.lonDeg - lon0, 360.0));
+            out.latDeg += w[i] * n.latDeg;
+            out.distanceKm += w[i] * n.distanceKm;
+        }
+        out.lonDeg = std::fmod(out.lonDeg + 720.0, 360.0);
+        return out;
+    }
 
     // Nutation (IAU 2006/2000A, radians) at node k, kNodeDays·k days from J2000.
     const std::array<double, 2>& Node(long long k)
@@ -218,11 +268,11 @@ private:
         return m_nodes.emplace(k, n).first->second;
     }
 
-    // The frame of the apparent places at jdTT, kept for the last instant.
-    bool Frame(double jdTT)
+    // Nutation, true obliquity and the rotation J2000 → true equator of date
+    // at jdTT, kept for the last instant.
+    bool Orientation(double jdTT)
     {
-        if (m_frameValid && m_frame.jdTT == jdTT) return true;
-        m_frameValid = false;
+        if (m_orientationJdTT == jdTT) return true;
         const double x = (jdTT - kJ2000JdTT) / kNodeDays;
         if (!(std::abs(x) < 1e9)) return false;
         const long long k = static_cast<long long>(std::floor(x));
@@ -236,6 +286,24 @@ private:
             dPsi += w[i] * n[0];
             dEps += w[i] * n[1];
         }
+        const double tt1 = kJ2000JdTT, tt2 = jdTT - kJ2000JdTT;
+        double pb[3][3], n[3][3];
+        eraPmat06(tt1, tt2, pb);
+        const double epsA = eraObl06(tt1, tt2);
+        eraNumat(epsA, dPsi, dEps, n);
+        eraRxr(n, pb, m_j2000ToDate);
+        m_dPsi = dPsi;
+        m_trueObliquity = epsA + dEps;
+        m_orientationJdTT = jdTT;
+        return true;
+    }
+
+    // The frame of the apparent places at jdTT, kept for the last instant.
+    bool Frame(double jdTT)
+    {
+        if (m_frameValid && m_frame.jdTT == jdTT) return true;
+        m_frameValid = false;
+        if (!Orientation(jdTT)) return false;
         ApparentFrame f;
         f.jdTT = jdTT;
         if (m_planets.HeliocentricPosition(m_observer, kBodyEarth, jdTT, nullptr, &f.earthJ2000) != PositionStatus::Ok)
@@ -243,16 +311,9 @@ private:
         f.lorentzFactor = m_planets.EarthVelocity(m_observer, jdTT);
         if (!std::isfinite(f.lorentzFactor)) return false;
         f.earthVelocityOverC = m_planets.EarthVelocityOverC();
-        double tt1 = kJ2000JdTT, tt2 = jdTT - kJ2000JdTT;
-        double pb[3][3], n[3][3];
-        eraPmat06(tt1, tt2, pb);
-        const double epsA = eraObl06(tt1, tt2);
-        eraNumat(epsA, dPsi, dEps, n);
-        eraRxr(n, pb, f.j2000ToDate);
+        std::copy(&m_j2000ToDate[0][0], &m_j2000ToDate[0][0] + 9, &f.j2000ToDate[0][0]);
         f.centre = PlaceCentre::Geocentric;
         m_frame = f;
-        m_dPsi = dPsi;
-        m_trueObliquity = epsA + dEps;
         m_frameValid = true;
         return true;
     }
@@ -260,8 +321,13 @@ private:
     const CObserverDoc& m_observer;
     CPlanets m_planets;
     std::unordered_map<long long, std::array<double, 2>> m_nodes;
+    bool m_interpolateMoon = false;
+    bool m_moonElongation = false;
+    std::unordered_map<long long, MoonEclipticPlace> m_moonNodes;
     ApparentFrame m_frame;
     bool m_frameValid = false;
+    double m_orientationJdTT = kNaN;
+    double m_j2000ToDate[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     double m_dPsi = 0.0;
     double m_trueObliquity = 0.0;
 };
@@ -401,6 +467,7 @@ void FillEvent(CSampler& sampler, const CObserverDoc& observer, const PhenomenaR
                                   : request.bodies.empty()           ? sun
                                                                      : request.bodies[0];
     BodyState a, b;
+    sampler.SetMoonElongation(true);
     sampler.State(first, jdTT, false, a);
     const bool two = PhenomenonBodyCount(kind) == 2;
     if (two) sampler.State(request.bodies[1], jdTT, false, b);
@@ -583,7 +650,8 @@ PhenomenaOutcome SearchPhenomena(const CObserverDoc& observer, const PhenomenaRe
     const std::size_t m = static_cast<std::size_t>(steps) + 3;
     std::vector<double> q[4];
     for (int c = 0; c < plan.channels; ++c) q[c].assign(m, kNaN);
-    CSampler sampler(observer);
+    CSampler sampler(observer, stepDays);
+    sampler.SetMoonElongation(kind == PhenomenonKind::GreatestElongation);
     const double jdEnd = request.jdUTStart + request.durationDays;
     bool anyValid = false;
     for (std::size_t j = 0; j < m; ++j) {
