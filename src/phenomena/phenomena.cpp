@@ -605,7 +605,7 @@ std::string PhenomenaStatusMessage(PhenomenaStatus status)
 {
     switch (status) {
     case PhenomenaStatus::Ok: return {};
-    case PhenomenaStatus::NoKind: return "You must select the type of event to search for.";
+    case PhenomenaStatus::NoKind: return "Unknown search type!";
     case PhenomenaStatus::BadDuration: return "You must specify a positive duration for the search";
     case PhenomenaStatus::BadStep: return "You must specify a positive calculation interval.";
     case PhenomenaStatus::TooManySamples:

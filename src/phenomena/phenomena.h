@@ -107,10 +107,12 @@ struct PhenomenaRequest {
 // the bound on every loop that the request's numbers size.
 inline constexpr std::size_t kMaxPhenomenaSamples = 2000000;
 
+// NoKind: a kind number outside the list ("Unknown search type!").
 enum class PhenomenaStatus { Ok, NoKind, BadDuration, BadStep, TooManySamples, BadBodies, NoPositions, Cancelled };
 
 // The message for a status, as the dialog and the command line show it:
-// "You must specify a positive duration for the search" …; empty for Ok.
+// "You must specify a positive duration for the search", "Unknown search
+// type!" …; empty for Ok.
 std::string PhenomenaStatusMessage(PhenomenaStatus status);
 
 // One event found.
