@@ -234,6 +234,33 @@ TEST(PhenomenaSearch, PerihelionAphelionAndElongations)
     EXPECT_NEAR_UNIT(46.1, east->elongationRad * 57.29577951308232, 0.06, kSame);
 }
 
+TEST(PhenomenaSearch, MercuryGreatestElongations2024)
+{
+    REQUIRE_EPHEMERIS();
+    // Mercury's greatest elongations of 2024 as the almanacs list them (date
+    // and elongation to 0.1°; USNO Astronomical Phenomena 2024). The
+    // elongation is flat at its greatest, so the instant is checked to the
+    // day (within 0.75 d of the date's noon) and the angle to 0.06°.
+    struct Elongation {
+        int mo, d;
+        const char* side;
+        double deg;
+    };
+    const Elongation published[] = {{1, 12, "West", 23.5}, {3, 24, "East", 18.7}, {5, 9, "West", 26.4},
+                                    {7, 22, "East", 26.9}, {9, 5, "West", 18.1},  {11, 16, "East", 22.5},
+                                    {12, 25, "West", 22.0}};
+    const auto out = Search(PhenomenonKind::GreatestElongation, {PhenomenonBody::Planet(kBodyMercury)},
+                            JdUT(2024, 1, 1, 0, 0), 366.0, 6.0);
+    ASSERT_EQ(out.events.size(), 7u) << Dump(out);
+    for (const Elongation& p : published) {
+        const double noon = JdUT(2024, p.mo, p.d, 12, 0);
+        const PhenomenonEvent* e = Nearest(out, p.side, noon);
+        ASSERT_NE(e, nullptr);
+        EXPECT_NEAR_UNIT(noon, e->jdUT, 0.75, kSecondsFromDays) << p.mo << "/" << p.d;
+        EXPECT_NEAR_UNIT(p.deg, e->elongationRad * 57.29577951308232, 0.06, kSame) << p.mo << "/" << p.d;
+    }
+}
+
 TEST(PhenomenaSearch, RefusesBadRequests)
 {
     CObserverDoc observer;
