@@ -169,7 +169,19 @@ int RunAlmanac(Context& ctx)
     observer.LoadSettings(ctx.settings);
     std::string error;
     if (!ApplySiteOptions(ctx, observer, error)) return UsageError(ctx, error);
-    const AlmanacOutcome out = MakeAlmanac(observer, static_cast<int>(year));
+    // The bright stars the Moon can occult, from the installed catalogues.
+    std::vector<PhenomenonBody> stars;
+    for (const char* name : kAlmanacStarNames) {
+        const FindResult found = ChartComponents().objects.Resolve(name, observer);
+        if (found.status != FindStatus::Found) continue;
+        PhenomenonBody star;
+        star.type = PhenomenonBody::Type::Fixed;
+        star.raJ2000Rad = found.matches.front().raJ2000Rad;
+        star.decJ2000Rad = found.matches.front().decJ2000Rad;
+        star.name = name;
+        stars.push_back(star);
+    }
+    const AlmanacOutcome out = MakeAlmanac(observer, static_cast<int>(year), {}, stars);
     if (out.status != PhenomenaStatus::Ok) return Fail(ctx, PhenomenaStatusMessage(out.status));
     if (out.eclipseTablesMissing && !ctx.json)
         ctx.err << "The eclipse tables are not installed: the almanac lists no eclipses (tools/build-data.sh builds them).\n";
@@ -205,8 +217,8 @@ ORV_CLI_COMMAND("almanac", "every event of a year: phases, seasons, apsides, con
                 "  YEAR            -1999 ... 3000 (0 is 1 BC); the events of its UT calendar year\n"
                 "Lists the Moon's phases, perigees and apogees, the equinoxes and solstices, the Earth's perihelion\n"
                 "and aphelion, the planets' conjunctions with the Sun, oppositions and stationary points, the greatest\n"
-                "elongations of Mercury and Venus, the Moon's conjunctions with the bright planets (occultations\n"
-                "named) and the year's solar and lunar eclipses (greatest eclipse) from the eclipse tables.\n"
+                "elongations of Mercury and Venus, the Moon's conjunctions with the bright planets and with\n"
+                "Aldebaran, Regulus, Spica, Antares and the Pleiades (occultations named) and the year's solar and lunar eclipses (greatest eclipse) from the eclipse tables.\n"
                 "Columns: date (UT), event, details. JSON keys: dateJdUT, event, details.\n",
                 RunAlmanac);
 

@@ -38,7 +38,7 @@ std::string DistanceText(double km)
 }
 
 // The entry of an event of a search.
-AlmanacEntry EntryOf(const AlmanacSearch& s, const PhenomenonEvent& e)
+AlmanacEntry EntryOf(const AlmanacSearch& s, const PhenomenonEvent& e, const std::string& secondName)
 {
     AlmanacEntry a;
     a.jdUT = e.jdUT;
@@ -58,8 +58,8 @@ AlmanacEntry EntryOf(const AlmanacSearch& s, const PhenomenonEvent& e)
         break;
     case PhenomenonKind::ConjunctionLongitude:
         if (s.bodies[0] == kBodyMoon) {
-            a.event = e.occultation ? "Occultation of " + Name(s.bodies[1]) + " by the Moon"
-                                    : "Moon in conjunction with " + Name(s.bodies[1]);
+            a.event = e.occultation ? "Occultation of " + secondName + " by the Moon"
+                                    : "Moon in conjunction with " + secondName;
             a.details = e.info;
         } else {
             a.event = first + (e.name == "Inferior"   ? " in inferior conjunction"
@@ -88,7 +88,8 @@ AlmanacEntry EntryOf(const AlmanacSearch& s, const PhenomenonEvent& e)
 
 }  // namespace
 
-AlmanacOutcome MakeAlmanac(const CObserverDoc& observer, int year, const PhenomenaProgressFn& progress)
+AlmanacOutcome MakeAlmanac(const CObserverDoc& observer, int year, const PhenomenaProgressFn& progress,
+                           const std::vector<PhenomenonBody>& stars)
 {
     AlmanacOutcome out;
     if (year < -1999 || year > 3000) return {PhenomenaStatus::BadDuration, {}, false};
@@ -112,12 +113,16 @@ AlmanacOutcome MakeAlmanac(const CObserverDoc& observer, int year, const Phenome
     for (int body : {kBodyMercury, kBodyVenus, kBodyMars, kBodyJupiter, kBodySaturn})
         searches.push_back({PhenomenonKind::ConjunctionLongitude, {kBodyMoon, body}, 2.0});
 
+    // The Moon and each star: a search of its own (the star is no CPlanets body).
+    const std::size_t planetSearches = searches.size();
+    for (std::size_t i = 0; i < stars.size(); ++i) searches.push_back({PhenomenonKind::ConjunctionLongitude, {kBodyMoon}, 2.0});
     const double total = static_cast<double>(searches.size());
     for (std::size_t i = 0; i < searches.size(); ++i) {
         const AlmanacSearch& s = searches[i];
         PhenomenaRequest r;
         r.kind = s.kind;
         for (int b : s.bodies) r.bodies.push_back(PhenomenonBody::Planet(b));
+        if (i >= planetSearches) r.bodies.push_back(stars[i - planetSearches]);
         if (s.kind == PhenomenonKind::PerihelionAphelion) r.bodies[0].name = "Earth";
         r.jdUTStart = jdStart;
         r.durationDays = jdEnd - jdStart;
@@ -126,7 +131,8 @@ AlmanacOutcome MakeAlmanac(const CObserverDoc& observer, int year, const Phenome
         const PhenomenaOutcome found = SearchPhenomena(observer, r, inner);
         if (found.status == PhenomenaStatus::Cancelled) return {PhenomenaStatus::Cancelled, {}, false};
         if (found.status != PhenomenaStatus::Ok) continue;  // no positions for that body in that year
-        for (const PhenomenonEvent& e : found.events) out.entries.push_back(EntryOf(s, e));
+        for (const PhenomenonEvent& e : found.events)
+            out.entries.push_back(EntryOf(s, e, r.bodies.size() > 1 ? r.bodies[1].name : std::string()));
     }
 
     // The eclipses of the year from the tables (greatest eclipse, TT).

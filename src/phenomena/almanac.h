@@ -31,8 +31,16 @@ struct AlmanacOutcome {
 };
 
 // The almanac of a Gregorian year (−1999 … 3000; the year's UT span).
-// Progress runs from 0 to 1 over the whole; false cancels.
-AlmanacOutcome MakeAlmanac(const CObserverDoc& observer, int year, const PhenomenaProgressFn& progress = {});
+// `stars`: fixed objects (bright stars near the ecliptic) whose conjunctions
+// with the Moon are listed too, occultations named. Progress runs from 0 to
+// 1 over the whole; false cancels.
+AlmanacOutcome MakeAlmanac(const CObserverDoc& observer, int year, const PhenomenaProgressFn& progress = {},
+                           const std::vector<PhenomenonBody>& stars = {});
+
+// The bright stars the Moon can occult (within 6.6° of the ecliptic, brighter
+// than magnitude 1.5, and the Pleiades' brightest), by name for a catalogue
+// look-up.
+inline constexpr const char* kAlmanacStarNames[] = {"Aldebaran", "Regulus", "Spica", "Antares", "Alcyone"};
 
 // Columns: Date (UT, "%5d %s %02d %02d:%02d"), Event, Details. Title
 // "Almanac for <year>".
