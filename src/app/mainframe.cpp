@@ -27,6 +27,7 @@
 #include "app/mapprint.h"
 #include "app/mapwindow.h"
 #include "app/minorwindows.h"
+#include "app/phenomenawindows.h"
 #include "app/planetwindows.h"
 #include "app/overlaydialog.h"
 #include "app/satellitewindows.h"
@@ -257,6 +258,10 @@ void CMainFrame::CreateMenus()
     QAction* ephemeris = map->addAction(tr("Planet &Ephemeris..."));
     connect(ephemeris, &QAction::triggered, this, [this] {
         if (CMapWindow* w = ActiveMap()) ShowEphemeris(this, *w, m_app);
+    });
+    QAction* phenomena = map->addAction(tr("P&henomena Search..."));
+    connect(phenomena, &QAction::triggered, this, [this] {
+        if (CMapWindow* w = ActiveMap()) ShowPhenomena(this, *w, m_app);
     });
     QAction* plotPath = map->addAction(tr("Plot Planet &Path..."));
     connect(plotPath, &QAction::triggered, this, [this] {

@@ -23,6 +23,7 @@ CArgs::CArgs(std::vector<std::string> words, const std::vector<std::string>& fla
                 value = words[++i];
             }
             m_options[name] = value;
+            m_given.emplace_back(name, value);
         } else {
             m_positional.push_back(w);
         }
@@ -34,6 +35,14 @@ std::optional<std::string> CArgs::Get(const std::string& name) const
     const auto it = m_options.find(name);
     if (it == m_options.end()) return std::nullopt;
     return it->second;
+}
+
+std::vector<std::string> CArgs::GetAll(const std::string& name) const
+{
+    std::vector<std::string> values;
+    for (const auto& [given, value] : m_given)
+        if (given == name) values.push_back(value);
+    return values;
 }
 
 std::optional<double> CArgs::GetNumber(const std::string& name, std::string& error) const

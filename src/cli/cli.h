@@ -14,6 +14,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orv {
@@ -30,6 +31,9 @@ public:
     const std::vector<std::string>& Positional() const { return m_positional; }
     bool Has(const std::string& name) const { return m_options.count(name) != 0; }
     std::optional<std::string> Get(const std::string& name) const;
+    // Every value of an option given more than once, in order ("--body Moon
+    // --body Mars"); Get answers the last.
+    std::vector<std::string> GetAll(const std::string& name) const;
     // The option as a number; `error` receives a message when it is present
     // but not a number.
     std::optional<double> GetNumber(const std::string& name, std::string& error) const;
@@ -39,6 +43,7 @@ public:
 private:
     std::vector<std::string> m_positional;
     std::map<std::string, std::string> m_options;
+    std::vector<std::pair<std::string, std::string>> m_given;  // every option in order
 };
 
 struct Context {

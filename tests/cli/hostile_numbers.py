@@ -41,6 +41,11 @@ def cases(work, tle):
         (["minor", "Ceres"], site),
         (["eclipses", "--from", "2024", "--to", "2026", "--visible"], ["--from", "--to", "--lat", "--lon", "--height"]),
         (["eclipse", "2024-04-08"], ["--lat", "--lon", "--height"]),
+        (["phenomena", "--kind", "conjunction", "--body", "Moon", "--body", "Mars", "--from", "2025-01-01",
+          "--days", "30"], ["--days", "--step"]),
+        (["phenomena", "--kind", "moon-phases", "--from", "2025-01-01", "--days", "30", "--step", "6"],
+         ["--days", "--step"]),
+        (["almanac", "2025"], ["--lat", "--zone"]),
         (["eclipse", "2024-04-08", "--map", os.path.join(work, "eclipse.png")], ["--width", "--height-px"]),
     ]
 
