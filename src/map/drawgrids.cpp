@@ -18,6 +18,7 @@
 #include <cstdio>
 
 #include "map/curvetrace.h"
+#include "map/rastertarget.h"
 #include "map/drawcontext.h"
 #include "map/horizonprofile.h"
 #include "observer/observer.h"
@@ -211,6 +212,13 @@ QString AzimuthLabel(long long arcsec)
 
 void StrokePolylines(QPainter& p, const TracedCurve& c)
 {
+    // Thin lines on a chart image go straight into its pixels (the pen is
+    // the same for every polyline of the curve); anything else to QPainter.
+    CThinLineStroker direct(p);
+    if (direct.Usable()) {
+        for (const auto& line : c.polylines) direct.Stroke(line.data(), line.size());
+        return;
+    }
     QPolygonF poly;
     for (const auto& line : c.polylines) {
         poly.resize(static_cast<qsizetype>(line.size()));

@@ -20,6 +20,7 @@
 #include "catalog/stars/crossindex.h"
 #include "catalog/stars/stardisplay.h"
 #include "catalog/stars/drawstars.h"
+#include "map/rastertarget.h"
 #include "util/angles.h"
 #include "util/binaryio.h"
 
@@ -50,88 +51,6 @@ StarGatherKey MakeKey(const DrawContext& ctx)
     k.lonRad = o.LongitudeRad();
     k.heightM = o.HeightM();
     return k;
-}
-
-// Premultiplied ARGB of every channel times a/255 (the usual two-lane trick).
-inline std::uint32_t ByteMul(std::uint32_t x, std::uint32_t a)
-{
-    std::uint32_t t = (x & 0xff00ffu) * a;
-    t = (t + ((t >> 8) & 0xff00ffu) + 0x800080u) >> 8;
-    t &= 0xff00ffu;
-    x = ((x >> 8) & 0xff00ffu) * a;
-    x = (x + ((x >> 8) & 0xff00ffu) + 0x800080u);
-    x &= 0xff00ff00u;
-    return x | t;
-}
-
-// A 32-bit image the painter draws straight into, with no transform beyond
-// a whole-pixel translation and no clipping: sprites can be blended into its
-// memory directly, with the same result as QPainter's source-over.
-struct RasterTarget {
-    uchar* bits = nullptr;
-    qsizetype bytesPerLine = 0;
-    int width = 0, height = 0;
-    int dx = 0, dy = 0;
-    bool opaque = true;  // RGB32: the alpha byte is always 0xff
-
-    bool Ok() const { return bits != nullptr; }
-
-    void Blend(int x0, int y0, const QImage& sprite) const
-    {
-        x0 += dx;
-        y0 += dy;
-        const int sw = sprite.width(), sh = sprite.height();
-        const int ax = std::max(0, -x0), ay = std::max(0, -y0);
-        const int bx = std::min(sw, width - x0), by = std::min(sh, height - y0);
-        for (int sy = ay; sy < by; ++sy) {
-            const auto* src = reinterpret_cast<const std::uint32_t*>(sprite.constScanLine(sy));
-            auto* dst = reinterpret_cast<std::uint32_t*>(bits + (y0 + sy) * bytesPerLine) + x0;
-            for (int sx = ax; sx < bx; ++sx) {
-                const std::uint32_t s = src[sx];
-                const std::uint32_t a = s >> 24;
-                if (a == 0) continue;
-                if (a == 255)
-                    dst[sx] = s;
-                else
-                    dst[sx] = s + ByteMul(dst[sx], 255 - a);
-            }
-        }
-    }
-
-    void Dot(int x, int y, QRgb colour, std::uint32_t alpha) const
-    {
-        x += dx;
-        y += dy;
-        if (x < 0 || y < 0 || x >= width || y >= height) return;
-        auto* dst = reinterpret_cast<std::uint32_t*>(bits + y * bytesPerLine) + x;
-        const std::uint32_t s = ByteMul(colour | 0xff000000u, alpha);
-        *dst = s + ByteMul(*dst, 255 - alpha);
-    }
-};
-
-RasterTarget FindRasterTarget(QPainter& p)
-{
-    RasterTarget t;
-    QPaintDevice* device = p.device();
-    QPaintEngine* engine = p.paintEngine();
-    if (device == nullptr || engine == nullptr || device->devType() != QInternal::Image) return t;
-    if (engine->type() != QPaintEngine::Raster || p.hasClipping()) return t;
-    if (p.compositionMode() != QPainter::CompositionMode_SourceOver) return t;
-    const QTransform tr = p.deviceTransform();
-    if (tr.type() > QTransform::TxTranslate) return t;
-    if (tr.dx() != std::floor(tr.dx()) || tr.dy() != std::floor(tr.dy())) return t;
-    auto* image = static_cast<QImage*>(device);
-    if (image->devicePixelRatio() != 1.0) return t;
-    const QImage::Format f = image->format();
-    if (f != QImage::Format_RGB32 && f != QImage::Format_ARGB32_Premultiplied) return t;
-    t.bits = image->bits();
-    t.bytesPerLine = image->bytesPerLine();
-    t.width = image->width();
-    t.height = image->height();
-    t.dx = static_cast<int>(tr.dx());
-    t.dy = static_cast<int>(tr.dy());
-    t.opaque = f == QImage::Format_RGB32;
-    return t;
 }
 
 void ComputeRegionCircles(const CTycho2Catalogue& catalogue, std::vector<RegionCircle>& circles)
