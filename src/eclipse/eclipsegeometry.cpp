@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "eclipse/sunmoonsketch.h"
 #include "observer/observer.h"
 #include "solarsystem/moonseries.h"
 #include "solarsystem/planets.h"
@@ -125,7 +126,7 @@ BesselianInstant BesselianFromPlaces(const SunMoonPlaces& p, double gastRad)
     return b;
 }
 
-bool ComputeBesselianElements(double jdTT, BesselianElements& out)
+bool ComputeBesselianElements(double jdTT, BesselianElements& out, EphemerisGrade grade)
 {
     if (!std::isfinite(jdTT)) return false;
     // The integer hour nearest the instant.
@@ -139,11 +140,17 @@ bool ComputeBesselianElements(double jdTT, BesselianElements& out)
     // of rotation (nutation changes by milliarcseconds in four hours).
     const double gast0 = GreenwichApparentSiderealTimeRad(t0, t0);
     constexpr double kSiderealRadPerHour = 2.0 * kPi * 1.00273781191135448 / 24.0;
+    CAnchoredSunMoon model;
+    if (grade == EphemerisGrade::Exact) {
+        const double anchors[3] = {t0 - 4.0 / 24.0, t0, t0 + 4.0 / 24.0};
+        if (!model.Anchor(anchors, 3)) return false;
+    } else {
+        model.SketchOnly(t0);
+    }
     for (int i = 0; i < kPoints; ++i) {
         t[i] = -4.0 + i;
         const double jd = t0 + t[i] / 24.0;
-        SunMoonPlaces places;
-        if (!SunMoonAt(jd, places)) return false;
+        const SunMoonPlaces places = model.At(jd);
         // μ as the canons give it: the ephemeris hour angle, the sidereal time
         // taken at the TT instant; the local circumstances subtract the
         // Earth's rotation during ΔT.
