@@ -28,6 +28,7 @@
 #include "app/mapwindow.h"
 #include "app/resulttablepanel.h"
 #include "eclipse/eclipsemapdraw.h"
+#include "eclipse/eclipsemapexport.h"
 #include "satellite/worldmap.h"
 #include "observer/observer.h"
 #include "util/datapath.h"
@@ -290,17 +291,13 @@ void CEclipseMapWindow::Draw(QPainter& painter, const QRectF& area) const
 
 void CEclipseMapWindow::SavePicture()
 {
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save Picture"), QStringLiteral("Eclipse.png"),
-                                                      tr("Pictures (*.png *.jpg *.bmp);;All Files (*)"));
+    // Pictures, or vector pages (PDF, SVG) drawn by the same painter code.
+    const QString path = QFileDialog::getSaveFileName(
+        this, tr("Save Picture"), QStringLiteral("Eclipse.png"),
+        tr("Pictures (*.png *.jpg *.bmp);;PDF Documents (*.pdf);;SVG Drawings (*.svg);;All Files (*)"));
     if (path.isEmpty()) return;
-    QImage image(1800, 1000, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::white);
-    {
-        QPainter painter(&image);
-        Draw(painter, QRectF(0, 0, image.width(), image.height()));
-    }
-    if (!image.save(path))
-        QMessageBox::warning(this, QApplication::applicationName(), tr("Unable to create file\n\"%1\"").arg(path));
+    if (const auto error = ExportEclipseMap(path.toStdString(), 1800, 1000, Land(), m_event, m_title))
+        QMessageBox::warning(this, QApplication::applicationName(), QString::fromStdString(*error));
 }
 
 void CEclipseMapWindow::Print()
