@@ -43,6 +43,9 @@ public:
     // The anchored places at jdTT (meant for instants within the anchors'
     // span or a little beyond).
     SunMoonPlaces At(double jdTT) const;
+    // The nutation in longitude and the true obliquity the places use.
+    double NutationInLongitudeRad() const { return m_dPsi; }
+    double TrueObliquityRad() const { return m_eps; }
     // The exact places of anchor i.
     const SunMoonPlaces& Exact(int i) const { return m_exact[static_cast<std::size_t>(i)]; }
 
