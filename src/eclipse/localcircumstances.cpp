@@ -213,8 +213,13 @@ SolarLocalCircumstances SolarLocal(const BesselianElements& e, const EclipseSite
         const SitePlane p = at(tt);
         double alt, az;
         AltAz(site.latitudeRad, p.hourAngleRad, p.decRad, alt, az);
-        if (alt > 0.0 && p.m < p.L1) facesSun = true;
-        if (alt > kSunriseAltitudeRad && p.m < p.L1) {
+        // The contacts themselves belong to the eclipse: there m equals L1′
+        // but for rounding, which must not decide an eclipse seen only as
+        // the Sun rises or sets at first or last contact.
+        const bool atContact = (tt == from && out.first.valid) || (tt >= to && out.last.valid);
+        const bool inPenumbra = atContact || p.m < p.L1;
+        if (alt > 0.0 && inPenumbra) facesSun = true;
+        if (alt > kSunriseAltitudeRad && inPenumbra) {
             out.visible = true;
             facesSun = true;
             break;
