@@ -1,15 +1,18 @@
-// Eclipse costs: the exact geometry of one instant, a century of eclipses
-// computed from the ephemeris, the whole five-millennium build of the
-// tables (one iteration: it takes seconds), and a 1,000-year search of the
-// tables with the local circumstances at a site, as the search dialog runs
-// it. Needs the VSOP87 files and, for the search, the eclipse tables of the
-// data folder (tools/build-data.sh).
+// Eclipse costs: the exact geometry of one instant, the quick sketch, a
+// century of eclipses computed from the ephemeris, the whole five-millennium
+// build of the tables (one iteration: it takes about a second), and a
+// 1,000-year search of the tables with the local circumstances at a site,
+// as the search dialog runs it. The last three run on two threads: their
+// CPU column is the whole process's, the time column the wall clock. Needs
+// the VSOP87 files and, for the search, the eclipse tables of the data
+// folder (tools/build-data.sh).
 
 #include <benchmark/benchmark.h>
 
 #include "eclipse/eclipsefinder.h"
 #include "eclipse/eclipsegeometry.h"
 #include "eclipse/eclipsesearch.h"
+#include "eclipse/sunmoonsketch.h"
 
 namespace {
 
@@ -33,12 +36,36 @@ void BM_SunMoonAt(benchmark::State& state)
 }
 BENCHMARK(BM_SunMoonAt)->Unit(benchmark::kMicrosecond);
 
+// The exact places at a new eclipse each time (no cached nutation), and the
+// sketch that is tied to them in between.
+void BM_SunMoonAtEclipseStride(benchmark::State& state)
+{
+    if (!HaveEphemeris(state)) return;
+    double jd = 2451545.0 - 36525.0 * 20.0;
+    orv::SunMoonPlaces p;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(orv::SunMoonAt(jd, p));
+        jd += 14.765;
+    }
+}
+BENCHMARK(BM_SunMoonAtEclipseStride)->Unit(benchmark::kMicrosecond);
+
+void BM_SunMoonSketch(benchmark::State& state)
+{
+    double jd = 2451545.0 - 36525.0 * 20.0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(orv::SunMoonSketch(jd, 0.0, 0.409));
+        jd += 14.765;
+    }
+}
+BENCHMARK(BM_SunMoonSketch)->Unit(benchmark::kMicrosecond);
+
 void BM_EclipsesOfACentury(benchmark::State& state)
 {
     if (!HaveEphemeris(state)) return;
     for (auto _ : state) benchmark::DoNotOptimize(orv::FindEclipses(1901, 2000, orv::EclipseKinds::Both));
 }
-BENCHMARK(BM_EclipsesOfACentury)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_EclipsesOfACentury)->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void BM_FiveMillenniumBuild(benchmark::State& state)
 {
@@ -48,7 +75,7 @@ void BM_FiveMillenniumBuild(benchmark::State& state)
         state.counters["eclipses"] = static_cast<double>(list.events.size());
     }
 }
-BENCHMARK(BM_FiveMillenniumBuild)->Iterations(1)->Unit(benchmark::kSecond);
+BENCHMARK(BM_FiveMillenniumBuild)->Iterations(1)->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void BM_SearchThousandYears(benchmark::State& state)
 {
@@ -67,7 +94,7 @@ void BM_SearchThousandYears(benchmark::State& state)
         state.counters["visible"] = static_cast<double>(outcome.results.size());
     }
 }
-BENCHMARK(BM_SearchThousandYears)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SearchThousandYears)->Iterations(1)->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

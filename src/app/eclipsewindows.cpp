@@ -28,6 +28,7 @@
 #include "app/mapwindow.h"
 #include "app/resulttablepanel.h"
 #include "eclipse/eclipsemapdraw.h"
+#include "eclipse/eclipsemapexport.h"
 #include "satellite/worldmap.h"
 #include "observer/observer.h"
 #include "util/datapath.h"
@@ -290,17 +291,13 @@ void CEclipseMapWindow::Draw(QPainter& painter, const QRectF& area) const
 
 void CEclipseMapWindow::SavePicture()
 {
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save Picture"), QStringLiteral("Eclipse.png"),
-                                                      tr("Pictures (*.png *.jpg *.bmp);;All Files (*)"));
+    // Pictures, or vector pages (PDF, SVG) drawn by the same painter code.
+    const QString path = QFileDialog::getSaveFileName(
+        this, tr("Save Picture"), QStringLiteral("Eclipse.png"),
+        tr("Pictures (*.png *.jpg *.bmp);;PDF Documents (*.pdf);;SVG Drawings (*.svg);;All Files (*)"));
     if (path.isEmpty()) return;
-    QImage image(1800, 1000, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::white);
-    {
-        QPainter painter(&image);
-        Draw(painter, QRectF(0, 0, image.width(), image.height()));
-    }
-    if (!image.save(path))
-        QMessageBox::warning(this, QApplication::applicationName(), tr("Unable to create file\n\"%1\"").arg(path));
+    if (const auto error = ExportEclipseMap(path.toStdString(), 1800, 1000, Land(), m_event, m_title))
+        QMessageBox::warning(this, QApplication::applicationName(), QString::fromStdString(*error));
 }
 
 void CEclipseMapWindow::Print()
@@ -336,6 +333,10 @@ CEclipseBrowseWindow::CEclipseBrowseWindow(CAppContext& app, EclipseKind kind, Q
                                     CResultTablePanel::Title::Hidden, this);
     m_panel->SetReportName(kind == EclipseKind::Solar ? QStringLiteral("SolarEclipses") : QStringLiteral("LunarEclipses"));
     layout->addWidget(m_panel);
+    auto* map = new QPushButton(tr("&Map"), this);
+    map->setToolTip(tr("The world map of the selected eclipse"));
+    m_panel->Buttons()->insertWidget(0, map);
+    connect(map, &QPushButton::clicked, this, &CEclipseBrowseWindow::ShowMap);
     EclipseBrowsePosition position;
     position.Load(app.Settings(), kind);
     m_file->setCurrentIndex(position.fileNumber - 1);
@@ -354,11 +355,61 @@ void CEclipseBrowseWindow::Load(int fileNumber, int lineNumber)
         return;
     }
     m_panel->SetTable(*table);
+    m_records.clear();
+    std::string path;
+    if (LocateDataFile(EclipseFileName(m_kind, fileNumber), path))
+        if (auto records = ReadEclipseFile(path)) m_records = std::move(*records);
     if (lineNumber > 0 && lineNumber < static_cast<int>(table->rows.size())) {
         const QModelIndex index = m_panel->View()->model()->index(lineNumber, 0);
         m_panel->View()->scrollTo(index, QAbstractItemView::PositionAtTop);
         m_panel->View()->selectRow(lineNumber);
     }
+}
+
+void CEclipseBrowseWindow::ShowMap()
+{
+    const std::vector<int> rows = m_panel->SelectedTableRows();
+    if (rows.empty() || rows.front() < 0 || rows.front() >= static_cast<int>(m_records.size())) {
+        QMessageBox::information(this, QApplication::applicationName(),
+                                 tr("Please select an item from the list before\nclicking the \"Map\" button."));
+        return;
+    }
+    const EclipseRecord& r = m_records[static_cast<std::size_t>(rows.front())];
+    const double jdTT = RecordJulianDateTT(r);
+    const auto event = EclipseAtSyzygyNear(jdTT, m_kind);
+    if (!event) {
+        QMessageBox::warning(this, QApplication::applicationName(),
+                             tr("The eclipse cannot be computed: the VSOP87 files are missing from the data folder."));
+        return;
+    }
+    // The global circumstances: the instants are the same for every site.
+    QString text = ToQ(EclipseTypeText(m_kind, r.type) + " eclipse of " + ResultDateText(r) + " TT\n\n");
+    const double deltaT = DeltaTSeconds(event->jdTT);
+    const auto utText = [&](double jdTTInstant) {
+        const CivilDateTime t = CivilFromJulianDate(jdTTInstant - deltaT / 86400.0);
+        return QStringLiteral("%1:%2:%3 UT")
+            .arg(t.hour, 2, 10, QChar('0'))
+            .arg(t.minute, 2, 10, QChar('0'))
+            .arg(static_cast<int>(t.second), 2, 10, QChar('0'));
+    };
+    text += tr("Greatest eclipse   %1  (ΔT %2 s)\n").arg(utText(event->jdTT)).arg(deltaT, 0, 'f', 1);
+    text += tr("Gamma              %1\n").arg(event->gamma, 0, 'f', 4);
+    if (m_kind == EclipseKind::Solar) {
+        text += tr("Magnitude          %1\n").arg(event->magnitude, 0, 'f', 4);
+    } else {
+        text += tr("Penumbral magnitude %1\nUmbral magnitude    %2\n\n")
+                    .arg(event->penumbralMagnitude, 0, 'f', 4)
+                    .arg(event->magnitude, 0, 'f', 4);
+        if (const auto lunar = LunarLocal(event->jdTT, EclipseSite{})) {
+            const std::pair<const char*, const EclipseContact*> phases[] = {
+                {"P1 penumbra begins", &lunar->p1}, {"U1 partial begins", &lunar->u1}, {"U2 total begins", &lunar->u2},
+                {"U3 total ends", &lunar->u3},      {"U4 partial ends", &lunar->u4},   {"P4 penumbra ends", &lunar->p4}};
+            for (const auto& [name, c] : phases)
+                if (c->valid) text += QStringLiteral("%1 %2\n").arg(QString::fromLatin1(name), -19).arg(utText(c->jdTT));
+        }
+    }
+    auto* window = new CEclipseMapWindow(m_app, *event, text, parentWidget());
+    window->show();
 }
 
 void CEclipseBrowseWindow::closeEvent(QCloseEvent* event)

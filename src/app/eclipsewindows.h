@@ -84,7 +84,8 @@ private:
 };
 
 // One file of the tables, file number 1–5 chosen above the list; the place
-// is kept in "SolarEclipse" / "LunarEclipse".
+// is kept in "SolarEclipse" / "LunarEclipse". Map shows the world map of
+// the selected eclipse, solar or lunar, with its global circumstances.
 class CEclipseBrowseWindow : public QWidget {
     Q_OBJECT
 public:
@@ -95,8 +96,10 @@ protected:
 
 private:
     void Load(int fileNumber, int lineNumber);
+    void ShowMap();
     CAppContext& m_app;
     EclipseKind m_kind;
+    std::vector<EclipseRecord> m_records;  // the rows of the list, in order
     QComboBox* m_file = nullptr;
     CResultTablePanel* m_panel = nullptr;
 };

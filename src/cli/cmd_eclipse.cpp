@@ -3,9 +3,7 @@
 // orvane-cli eclipse: one eclipse's global figures and its local
 // circumstances at the site.
 
-#include <QImage>
 #include <QJsonArray>
-#include <QPainter>
 #include <QJsonObject>
 #include <QString>
 
@@ -23,7 +21,7 @@
 #include "eclipse/eclipsesearch.h"
 #include "eclipse/eclipsetables.h"
 #include "eclipse/localcircumstances.h"
-#include "eclipse/eclipsemapdraw.h"
+#include "eclipse/eclipsemapexport.h"
 #include "satellite/worldmap.h"
 #include "observer/observer.h"
 #include "util/datapath.h"
@@ -194,15 +192,11 @@ int RunEclipse(Context& ctx)
         sat::CWorldMap world;
         world.LoadFromDataFolder();  // without it the map has no land, the paths are still drawn
         const std::vector<sat::WorldOutline> land = sat::JoinWorldOutlines(world.Polylines());
-        QImage image(w, h, QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::white);
-        QPainter painter(&image);
         const EclipseRecord rec = RecordFromEvent(*event);
-        DrawEclipseMap(painter, QRectF(0, 0, w, h), land, *event,
-                       EclipseTypeText(event->kind, event->type) + " Eclipse of " + ResultDateText(rec) + " TT");
-        painter.end();
-        if (!image.save(QString::fromStdString(*mapPath)))
-            return Fail(ctx, "Unable to create file\n\"" + *mapPath + "\"");
+        if (const auto failure =
+                ExportEclipseMap(*mapPath, w, h, land, *event,
+                                 EclipseTypeText(event->kind, event->type) + " Eclipse of " + ResultDateText(rec) + " TT"))
+            return Fail(ctx, *failure);
     }
     const std::string typeText = EclipseTypeText(event->kind, event->type);
     QJsonObject o;
@@ -335,13 +329,14 @@ ORV_CLI_COMMAND("eclipses", "the solar and lunar eclipses of a span of years, or
 
 ORV_CLI_COMMAND("eclipse", "one eclipse: greatest eclipse, gamma, magnitude and the local circumstances at the site",
                 "orvane-cli eclipse YYYY-MM-DD [--solar | --lunar] [--lat DEG --lon DEG --height M] [--json]\n"
-                "                   [--map FILE.png [--width PX --height-px PX]]\n\n"
+                "                   [--map FILE.png|.pdf|.svg [--width PX --height-px PX]]\n\n"
                 "  YYYY-MM-DD      the date of greatest eclipse (astronomical year; Julian calendar before\n"
                 "                  1582 October 15)\n"
                 "Solar: first, second, third and last contacts with the Sun's altitude and azimuth, magnitude,\n"
                 "obscuration, duration of totality or annularity, and the Besselian elements (JSON).\n"
                 "Lunar: P1, U1, U2, greatest, U3, U4, P4 with the Moon's altitude, the magnitudes.\n"
-                "--map writes the world map of the eclipse (the path with its limits, or where the Moon is up).\n"
+                "--map writes the world map of the eclipse (the path with its limits, or where the Moon is up),\n"
+                "a picture or, for .pdf and .svg, a vector page.\n"
                 "JSON keys: kind, type, greatestJdTT, deltaTSeconds, gamma, magnitude, local {firstContact ...\n"
                 "{jdTT, jdUT, utc, altitudeDeg, azimuthDeg}}, besselianElements {t0JdTT, x, y, dDeg, l1, l2,\n"
                 "muDeg, tanF1, tanF2}.\n",

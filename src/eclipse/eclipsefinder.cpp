@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
+#include <thread>
 
 #include "eclipse/eclipsegeometry.h"
+#include "eclipse/sunmoonsketch.h"
 #include "observer/observer.h"
 
 namespace orv {
@@ -19,9 +22,14 @@ constexpr double kSynodicMonthDays = 29.530588861;
 // new (k integer) or full (k + 0.5) moon corrected towards the instant of
 // greatest eclipse, and the Moon's argument of latitude F. A first guess
 // only (a few minutes); the ephemeris decides.
+// Meeus's gamma and u (ch. 54) give a first verdict: the shadow axis's
+// least distance from the Earth's centre in Earth radii and the umbra's
+// radius on the fundamental plane, good to a few thousandths.
 struct SyzygyGuess {
     double jdTT;
     double argumentOfLatitudeRad;
+    double gamma;
+    double u;
 };
 SyzygyGuess MeeusSyzygy(double k, bool solar)
 {
@@ -42,16 +50,39 @@ SyzygyGuess MeeusSyzygy(double k, bool solar)
          0.0012 * std::sin(Mp + 2 * F1) + 0.0006 * E * std::sin(2 * Mp + M) - 0.0004 * std::sin(3 * Mp) -
          0.0003 * E * std::sin(M + 2 * F1) + 0.0003 * std::sin(A1) - 0.0002 * E * std::sin(M - 2 * F1) -
          0.0002 * E * std::sin(2 * Mp - M) - 0.0002 * std::sin(Om);
-    return {jde + c, F};
+    const double P = 0.2070 * E * std::sin(M) + 0.0024 * E * std::sin(2 * M) - 0.0392 * std::sin(Mp) +
+                     0.0116 * std::sin(2 * Mp) - 0.0073 * E * std::sin(Mp + M) + 0.0067 * E * std::sin(Mp - M) +
+                     0.0118 * std::sin(2 * F1);
+    const double Q = 5.2207 - 0.0048 * E * std::cos(M) + 0.0020 * E * std::cos(2 * M) - 0.3299 * std::cos(Mp) -
+                     0.0060 * E * std::cos(Mp + M) + 0.0041 * E * std::cos(Mp - M);
+    const double W = std::fabs(std::cos(F1));
+    const double gamma = (P * std::cos(F1) + Q * std::sin(F1)) * (1.0 - 0.0048 * W);
+    const double u = 0.0059 + 0.0046 * E * std::cos(M) - 0.0182 * std::cos(Mp) + 0.0004 * std::cos(2 * Mp) -
+                     0.0005 * std::cos(M + Mp);
+    return {jde + c, F, gamma, u};
 }
 
-// Eclipses are possible only when the Moon is within about 21° of a node at
-// the syzygy (Meeus ch. 54: |sin F| > 0.36 excludes one). The bound is
-// widened a little so that no marginal penumbral eclipse is lost to the
-// approximate F; the ephemeris decides.
-constexpr double kNodeSinBound = 0.37;
+// Meeus's verdict with a margin for its own error and for the difference
+// between his constants and ours (his lunar limit is Chauvenet's larger
+// shadow): false only for syzygies that surely bring no eclipse. Solar: the
+// penumbra misses the Earth when |γ| > 1.5433 + u; lunar: the Moon misses
+// the penumbra when |γ| > 1.5573 + u.
+constexpr double kMeeusGammaMargin = 0.03;
+bool MayBeEclipse(const SyzygyGuess& g, bool solar)
+{
+    if (std::fabs(std::sin(g.argumentOfLatitudeRad)) > 0.37) return false;
+    const double limit = (solar ? 1.5433 : 1.5573) + g.u + kMeeusGammaMargin;
+    return std::fabs(g.gamma) < limit;
+}
 
-constexpr double kStepDays = 0.08;  // the half-span of the three samples
+// The half-span of the three samples about an anchor: wide enough for the
+// quadratic fit to reach a minimum two hours away, narrow enough for its
+// error (from the motion's cubic term) to stay far below a second.
+constexpr double kStepDays = 0.02;
+// An anchor farther than this from the minimum found is moved there and the
+// exact places evaluated again (the anchored places drift from the exact
+// ones by well under 0.1″ over five minutes).
+constexpr double kReanchorDays = 5.0 / 1440.0;
 
 // Quadratic interpolation of three samples at −h, 0, +h to t.
 double Interpolate(double a, double b, double c, double t, double h)
@@ -60,23 +91,27 @@ double Interpolate(double a, double b, double c, double t, double h)
     return b + 0.5 * u * (c - a) + 0.5 * u * u * (c - 2.0 * b + a);
 }
 
-// Greatest eclipse by quadratic fits of three exact samples, re-centred
-// until the minimum lies near the middle sample (within 0.6 of the step,
-// where the fit's error, from the motion's cubic term, is below 0.3 s). `Sample` fills a
-// geometry record; `xy` reads its two plane coordinates.
+// Greatest eclipse by a quadratic fit of three samples of the anchored
+// Sun and Moon (sunmoonsketch.h) about an anchor, the first at the guess:
+// normally one exact evaluation settles it; when the minimum lies more than
+// five minutes from the anchor, the anchor moves there. `Sample` turns
+// places into a geometry record; `xy` reads its two plane coordinates.
 template <class Record, class SampleFn, class XyFn>
 bool Refine(double guess, SampleFn sample, XyFn xy, double& jdBest, LeastDistance& best, std::array<Record, 3>& recs)
 {
     double centre = guess;
+    CAnchoredSunMoon model;
     for (int iter = 0; iter < 6; ++iter) {
+        if (!model.Anchor(centre)) return false;
         std::array<double, 3> xs{}, ys{};
         for (std::size_t i = 0; i < 3; ++i) {
-            if (!sample(centre + (static_cast<double>(i) - 1.0) * kStepDays, recs[i])) return false;
+            const double jd = centre + (static_cast<double>(i) - 1.0) * kStepDays;
+            recs[i] = sample(i == 1 ? model.Exact(0) : model.At(jd));
             xy(recs[i], xs[i], ys[i]);
         }
         best = LeastDistanceQuadratic(xs, ys, kStepDays);
         jdBest = centre + best.t;
-        if (std::fabs(best.t) < 0.6 * kStepDays) return true;
+        if (std::fabs(best.t) < kReanchorDays) return true;
         centre = jdBest;
     }
     return true;
@@ -84,12 +119,7 @@ bool Refine(double guess, SampleFn sample, XyFn xy, double& jdBest, LeastDistanc
 
 std::optional<EclipseEvent> SolarAt(double guess)
 {
-    auto sample = [](double jd, BesselianInstant& b) {
-        SunMoonPlaces p;
-        if (!SunMoonAt(jd, p)) return false;
-        b = BesselianFromPlaces(p, 0.0);
-        return true;
-    };
+    auto sample = [](const SunMoonPlaces& p) { return BesselianFromPlaces(p, 0.0); };
     // The Earth's outline on the fundamental plane is an ellipse of
     // semi-axes 1 and ρ1 (Explanatory Supplement 8.3): y1 = y/ρ1 makes it
     // the unit circle. The least distance is taken to the centre (gamma);
@@ -146,12 +176,7 @@ std::optional<EclipseEvent> SolarAt(double guess)
 
 std::optional<EclipseEvent> LunarAt(double guess)
 {
-    auto sample = [](double jd, LunarShadowInstant& s) {
-        SunMoonPlaces p;
-        if (!SunMoonAt(jd, p)) return false;
-        s = LunarShadowFromPlaces(p);
-        return true;
-    };
+    auto sample = [](const SunMoonPlaces& p) { return LunarShadowFromPlaces(p); };
     double jd = 0.0;
     LeastDistance least;
     std::array<LunarShadowInstant, 3> r{};
@@ -201,25 +226,43 @@ EclipseList FindEclipses(int firstYear, int lastYear, EclipseKinds kinds, const 
     const bool wantSolar = kinds != EclipseKinds::Lunar;
     const bool wantLunar = kinds != EclipseKinds::Solar;
 
-    int sinceReport = 0;
-    for (double k = kFirst; k <= kLast; k += 1.0) {
-        if (progress && ++sinceReport >= 64) {
-            sinceReport = 0;
-            if (!progress((k - kFirst) / (kLast - kFirst + 1.0))) {
-                list.cancelled = true;
-                break;
+    // The lunations split into two halves computed side by side; the
+    // calling thread takes the first and reports the progress (the two
+    // halves go at the same pace), the other stops when it is cancelled.
+    std::atomic<bool> stop{false};
+    auto scan = [&](double kFrom, double kTo, std::vector<EclipseEvent>& out, bool reporting) {
+        int sinceReport = 0;
+        for (double k = kFrom; k < kTo; k += 1.0) {
+            if (stop.load(std::memory_order_relaxed)) return;
+            if (reporting && progress && ++sinceReport >= 32) {
+                sinceReport = 0;
+                if (!progress((k - kFrom) / (kTo - kFrom))) {
+                    stop = true;
+                    return;
+                }
+            }
+            for (int half = 0; half < 2; ++half) {
+                const bool solar = half == 0;
+                if (solar ? !wantSolar : !wantLunar) continue;
+                const SyzygyGuess guess = MeeusSyzygy(k + (solar ? 0.0 : 0.5), solar);
+                if (!MayBeEclipse(guess, solar)) continue;
+                const std::optional<EclipseEvent> e = solar ? SolarAt(guess.jdTT) : LunarAt(guess.jdTT);
+                if (!e || e->jdTT < jdStart || e->jdTT >= jdEnd) continue;
+                out.push_back(*e);
             }
         }
-        for (int half = 0; half < 2; ++half) {
-            const bool solar = half == 0;
-            if (solar ? !wantSolar : !wantLunar) continue;
-            const SyzygyGuess guess = MeeusSyzygy(k + (solar ? 0.0 : 0.5), solar);
-            if (std::fabs(std::sin(guess.argumentOfLatitudeRad)) > kNodeSinBound) continue;
-            const std::optional<EclipseEvent> e = solar ? SolarAt(guess.jdTT) : LunarAt(guess.jdTT);
-            if (!e || e->jdTT < jdStart || e->jdTT >= jdEnd) continue;
-            list.events.push_back(*e);
-        }
+    };
+    const double kMid = std::floor(0.5 * (kFirst + kLast + 1.0));
+    std::vector<EclipseEvent> second;
+    if (kLast - kFirst > 200.0) {
+        std::thread worker(scan, kMid, kLast + 1.0, std::ref(second), false);
+        scan(kFirst, kMid, list.events, true);
+        worker.join();
+    } else {
+        scan(kFirst, kLast + 1.0, list.events, true);
     }
+    list.cancelled = stop.load();
+    list.events.insert(list.events.end(), second.begin(), second.end());
     std::sort(list.events.begin(), list.events.end(),
               [](const EclipseEvent& a, const EclipseEvent& b) { return a.jdTT < b.jdTT; });
     if (progress && !list.cancelled) progress(1.0);
@@ -233,7 +276,7 @@ std::optional<EclipseEvent> EclipseAtSyzygyNear(double jdTT, EclipseKind kind)
     const double offset = solar ? 0.0 : 0.5;
     const double k = std::round((jdTT - 2451550.09766) / kSynodicMonthDays - offset) + offset;
     const SyzygyGuess guess = MeeusSyzygy(k, solar);
-    if (std::fabs(std::sin(guess.argumentOfLatitudeRad)) > kNodeSinBound) return std::nullopt;
+    if (!MayBeEclipse(guess, solar)) return std::nullopt;
     return solar ? SolarAt(guess.jdTT) : LunarAt(guess.jdTT);
 }
 

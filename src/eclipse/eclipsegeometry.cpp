@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "eclipse/sunmoonsketch.h"
 #include "observer/observer.h"
 #include "solarsystem/moonseries.h"
 #include "solarsystem/planets.h"
@@ -125,7 +126,7 @@ BesselianInstant BesselianFromPlaces(const SunMoonPlaces& p, double gastRad)
     return b;
 }
 
-bool ComputeBesselianElements(double jdTT, BesselianElements& out)
+bool ComputeBesselianElements(double jdTT, BesselianElements& out, EphemerisGrade grade)
 {
     if (!std::isfinite(jdTT)) return false;
     // The integer hour nearest the instant.
@@ -135,15 +136,27 @@ bool ComputeBesselianElements(double jdTT, BesselianElements& out)
     constexpr int kPoints = 9;
     double t[kPoints], x[kPoints], y[kPoints], d[kPoints], l1[kPoints], l2[kPoints], mu[kPoints];
     double tanF1 = 0.0, tanF2 = 0.0;
+    CAnchoredSunMoon model;
+    if (grade == EphemerisGrade::Exact) {
+        const double anchors[3] = {t0 - 4.0 / 24.0, t0, t0 + 4.0 / 24.0};
+        if (!model.Anchor(anchors, 3)) return false;
+    } else {
+        model.SketchOnly(t0);
+    }
     // Sidereal time at t0, carried to the other instants at the Earth's rate
-    // of rotation (nutation changes by milliarcseconds in four hours).
-    const double gast0 = GreenwichApparentSiderealTimeRad(t0, t0);
+    // of rotation (nutation changes by milliarcseconds in four hours). The
+    // sketch takes the mean sidereal time and the equation of the equinoxes
+    // Δψ cos ε of its own nutation (IAU 2000B), within a few milliarcseconds
+    // of the full IAU 2000A/2006 value and a fraction of its cost.
+    const double gast0 = grade == EphemerisGrade::Exact
+                             ? GreenwichApparentSiderealTimeRad(t0, t0)
+                             : GreenwichMeanSiderealTimeRad(t0, t0) +
+                                   model.NutationInLongitudeRad() * std::cos(model.TrueObliquityRad());
     constexpr double kSiderealRadPerHour = 2.0 * kPi * 1.00273781191135448 / 24.0;
     for (int i = 0; i < kPoints; ++i) {
         t[i] = -4.0 + i;
         const double jd = t0 + t[i] / 24.0;
-        SunMoonPlaces places;
-        if (!SunMoonAt(jd, places)) return false;
+        const SunMoonPlaces places = model.At(jd);
         // μ as the canons give it: the ephemeris hour angle, the sidereal time
         // taken at the TT instant; the local circumstances subtract the
         // Earth's rotation during ΔT.

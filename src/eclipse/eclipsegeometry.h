@@ -99,9 +99,15 @@ struct BesselianElements {
     double MuDeg(double tHours) const { return Poly(muDeg, tHours); }
     static double Poly(const std::array<double, 4>& c, double t) { return c[0] + t * (c[1] + t * (c[2] + t * c[3])); }
 };
+// How the Sun and Moon are evaluated: Exact, the full series at three
+// instants (t0 − 4 h, t0, t0 + 4 h) tying the quick sketch of
+// sunmoonsketch.h at the others (agreement to 0.02″); Sketch, the
+// quick sketch alone (tens of arcseconds: some 0.02 Earth radii on the
+// fundamental plane), for screening which eclipses a site can see.
+enum class EphemerisGrade { Exact, Sketch };
 // Elements about the integer hour nearest jdTT. False when the ephemeris is
 // unavailable.
-bool ComputeBesselianElements(double jdTT, BesselianElements& out);
+bool ComputeBesselianElements(double jdTT, BesselianElements& out, EphemerisGrade grade = EphemerisGrade::Exact);
 
 // The Moon in the Earth's shadow at one instant, as angles seen from the
 // Earth's centre: the Moon's offset from the shadow's centre (the antisolar

@@ -57,40 +57,46 @@ bool FundamentalPlaneToGeo(const BesselianElements& e, double t, double xi, doub
     return true;
 }
 
+bool ShadowLimitPoint(const BesselianElements& e, double t, ShadowEdge edge, double side, GeoPoint& out)
+{
+    // From the axis, across the relative motion, at the shadow's radius on
+    // the point's own plane; four passes settle ζ.
+    const bool umbra = edge == ShadowEdge::Umbra;
+    const double muRate = e.muDeg[1] * kDegToRad;  // radians per hour
+    const double x = e.X(t), y = e.Y(t);
+    const double dx = (e.X(t + 1e-3) - e.X(t - 1e-3)) / 2e-3;
+    const double dy = (e.Y(t + 1e-3) - e.Y(t - 1e-3)) / 2e-3;
+    const double d = e.DDeg(t) * kDegToRad;
+    double xi = x, eta = y, zeta = 0.0;
+    {
+        const double z2 = 1.0 - xi * xi - eta * eta;
+        zeta = z2 > 0.0 ? std::sqrt(z2) : 0.0;
+    }
+    for (int pass = 0; pass < 4; ++pass) {
+        const double dxi = muRate * (zeta * std::cos(d) - eta * std::sin(d));
+        const double deta = muRate * xi * std::sin(d);
+        double a = dx - dxi, b = dy - deta;
+        const double n = std::hypot(a, b);
+        if (!(n > 0.0)) return false;
+        a /= n;
+        b /= n;
+        const double radius = umbra ? std::fabs(e.L2(t) - zeta * e.tanF2) : e.L1(t) - zeta * e.tanF1;
+        xi = x - side * b * radius;
+        eta = y + side * a * radius;
+        const double z2 = 1.0 - xi * xi - eta * eta;
+        if (z2 < 0.0) return false;
+        zeta = std::sqrt(z2);
+    }
+    return FundamentalPlaneToGeo(e, t, xi, eta, out);
+}
+
 SolarEclipsePaths ComputeSolarEclipsePaths(const BesselianElements& e, double greatestJdTT)
 {
     SolarEclipsePaths paths;
-    const double muRate = e.muDeg[1] * kDegToRad;  // radians per hour
     bool openC = false, openUN = false, openUS = false, openPN = false, openPS = false;
 
-    // A limit point: from the axis, across the relative motion, at the
-    // shadow's radius on the point's own plane; three passes settle ζ.
     auto limit = [&](double t, bool umbra, double side, GeoPoint& out) {
-        const double x = e.X(t), y = e.Y(t);
-        const double dx = (e.X(t + 1e-3) - e.X(t - 1e-3)) / 2e-3;
-        const double dy = (e.Y(t + 1e-3) - e.Y(t - 1e-3)) / 2e-3;
-        const double d = e.DDeg(t) * kDegToRad;
-        double xi = x, eta = y, zeta = 0.0;
-        {
-            const double z2 = 1.0 - xi * xi - eta * eta;
-            zeta = z2 > 0.0 ? std::sqrt(z2) : 0.0;
-        }
-        for (int pass = 0; pass < 4; ++pass) {
-            const double dxi = muRate * (zeta * std::cos(d) - eta * std::sin(d));
-            const double deta = muRate * xi * std::sin(d);
-            double a = dx - dxi, b = dy - deta;
-            const double n = std::hypot(a, b);
-            if (!(n > 0.0)) return false;
-            a /= n;
-            b /= n;
-            const double radius = umbra ? std::fabs(e.L2(t) - zeta * e.tanF2) : e.L1(t) - zeta * e.tanF1;
-            xi = x - side * b * radius;
-            eta = y + side * a * radius;
-            const double z2 = 1.0 - xi * xi - eta * eta;
-            if (z2 < 0.0) return false;
-            zeta = std::sqrt(z2);
-        }
-        return FundamentalPlaneToGeo(e, t, xi, eta, out);
+        return ShadowLimitPoint(e, t, umbra ? ShadowEdge::Umbra : ShadowEdge::Penumbra, side, out);
     };
 
     for (int minute = -240; minute <= 240; ++minute) {

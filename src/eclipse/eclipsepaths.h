@@ -39,6 +39,14 @@ SolarEclipsePaths ComputeSolarEclipsePaths(const BesselianElements& elements, do
 // sunward side, at t hours from t0; false when the point lies off the Earth.
 bool FundamentalPlaneToGeo(const BesselianElements& elements, double tHours, double xi, double eta, GeoPoint& out);
 
+// One point of a limit at t hours from t0: the point of the surface whose
+// distance from the shadow axis on its own plane equals the shadow's radius
+// (|L2′| for the umbra or antumbra, L1′ for the penumbra), across the
+// shadow's motion relative to the turning Earth; side +1 to the left of that
+// motion (north), −1 to the right. False when that point is off the Earth.
+enum class ShadowEdge { Umbra, Penumbra };
+bool ShadowLimitPoint(const BesselianElements& elements, double tHours, ShadowEdge edge, double side, GeoPoint& out);
+
 struct LunarVisibilityRegion {
     GeoPoint subLunar;           // the Moon in the zenith at greatest eclipse
     GeoLine horizon;             // the Moon on the horizon (geocentric), closed

@@ -1,8 +1,10 @@
 #include "eclipse/eclipsesearch.h"
 
+#include <atomic>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <thread>
 
 #include "observer/observer.h"
 #include "util/atomicfile.h"
@@ -72,6 +74,38 @@ int EclipseSearchProgressRange(const EclipseSearchSettings& s)
     return s.solar && s.lunar ? 2 * years : years;
 }
 
+namespace {
+
+// One eclipse of the tables at the site: screened with the quick sketch of
+// the Sun and Moon first (most eclipses are plainly out of sight), then the
+// exact local circumstances. Nothing when the eclipse is left out.
+std::optional<EclipseSearchResult> EvaluateForSite(const EclipseRecord& r, EclipseKind kind,
+                                                   const EclipseSearchSettings& settings, const EclipseSite& site,
+                                                   EclipseVisibility visibility)
+{
+    EclipseSearchResult result;
+    result.record = r;
+    result.kind = kind;
+    const double jdTT = RecordJulianDateTT(r);
+    const bool fromSite = visibility == EclipseVisibility::FromSite;
+    if (kind == EclipseKind::Solar) {
+        if (settings.displayOption == kEclipseDisplayNoPartialSolar && r.type == 'P') return std::nullopt;
+        if (fromSite && SolarEclipseSurelyUnseen(jdTT, site)) return std::nullopt;
+        BesselianElements elements;
+        if (!ComputeBesselianElements(jdTT, elements)) return std::nullopt;
+        result.solar = SolarLocal(elements, site);
+        if (fromSite && !(result.solar.eclipsed && result.solar.visible)) return std::nullopt;
+    } else {
+        if (fromSite && LunarEclipseSurelyUnseen(jdTT, site)) return std::nullopt;
+        const auto lunar = LunarLocal(jdTT, site);
+        if (lunar) result.lunar = *lunar;
+        if (fromSite && !(lunar && lunar->visible)) return std::nullopt;
+    }
+    return result;
+}
+
+}  // namespace
+
 EclipseSearchOutcome RunEclipseSearch(const EclipseSearchSettings& settings, const EclipseSite& site,
                                       EclipseVisibility visibility, const EclipseSearchProgressFn& progress,
                                       const std::string& scratchPath)
@@ -81,63 +115,67 @@ EclipseSearchOutcome RunEclipseSearch(const EclipseSearchSettings& settings, con
         std::error_code ec;
         std::filesystem::remove(scratchPath, ec);
     }
-    int yearsDone = 0;
+    const int years = settings.endYear - settings.startYear + 1;
+    int yearsBefore = 0;  // progress of the kinds already searched
     for (const EclipseKind kind : {EclipseKind::Solar, EclipseKind::Lunar}) {
         if (kind == EclipseKind::Solar ? !settings.solar : !settings.lunar) continue;
-        int number = EclipseFileNumber(settings.startYear);
-        int lastYear = settings.startYear;
-        bool started = false;
+        // The records of the span, from the file of the start year onwards.
+        std::vector<EclipseRecord> span;
         bool done = false;
-        while (!done && number <= kEclipseFileCount) {
+        for (int number = EclipseFileNumber(settings.startYear); !done && number <= kEclipseFileCount; ++number) {
             std::string path;
             std::optional<std::vector<EclipseRecord>> records;
             if (LocateDataFile(EclipseFileName(kind, number), path)) records = ReadEclipseFile(path);
             if (!records) {
                 // A missing file ends the scan of this kind.
-                if (!started) outcome.tablesMissing = true;
+                if (number == EclipseFileNumber(settings.startYear)) outcome.tablesMissing = true;
                 break;
             }
             for (const EclipseRecord& r : *records) {
-                if (!started) {
-                    if (r.year < settings.startYear) continue;
-                    started = true;
-                }
+                if (r.year < settings.startYear) continue;
                 if (r.year > settings.endYear) {
                     done = true;
                     break;
                 }
-                if (r.year != lastYear) {
-                    yearsDone += r.year - lastYear;
-                    lastYear = r.year;
-                    if (progress && !progress(yearsDone)) {
-                        outcome.cancelled = true;
-                        return outcome;
+                span.push_back(r);
+            }
+        }
+
+        // Two threads take alternate records; the calling thread reports the
+        // progress by the years of its own (the two keep the same pace).
+        std::vector<std::optional<EclipseSearchResult>> found(span.size());
+        std::atomic<bool> stop{false};
+        auto work = [&](std::size_t first, bool reporting) {
+            int lastYear = settings.startYear;
+            for (std::size_t i = first; i < span.size(); i += 2) {
+                if (stop.load(std::memory_order_relaxed)) return;
+                if (reporting && progress && span[i].year != lastYear) {
+                    lastYear = span[i].year;
+                    if (!progress(yearsBefore + lastYear - settings.startYear)) {
+                        stop = true;
+                        return;
                     }
                 }
-                EclipseSearchResult result;
-                result.record = r;
-                result.kind = kind;
-                const double jdTT = RecordJulianDateTT(r);
-                bool keep = false;
-                if (kind == EclipseKind::Solar) {
-                    if (settings.displayOption == kEclipseDisplayNoPartialSolar && r.type == 'P') continue;
-                    BesselianElements elements;
-                    if (!ComputeBesselianElements(jdTT, elements)) continue;
-                    result.solar = SolarLocal(elements, site);
-                    keep = visibility == EclipseVisibility::Anywhere || (result.solar.eclipsed && result.solar.visible);
-                } else {
-                    const auto lunar = LunarLocal(jdTT, site);
-                    if (lunar) result.lunar = *lunar;
-                    keep = visibility == EclipseVisibility::Anywhere || (lunar && lunar->visible);
-                }
-                if (keep) outcome.results.push_back(result);
+                found[i] = EvaluateForSite(span[i], kind, settings, site, visibility);
             }
-            ++number;
+        };
+        if (span.size() > 16) {
+            std::thread worker(work, std::size_t{1}, false);
+            work(0, true);
+            worker.join();
+        } else {
+            for (std::size_t i = 0; i < span.size(); ++i) found[i] = EvaluateForSite(span[i], kind, settings, site, visibility);
         }
+        if (stop.load()) {
+            outcome.cancelled = true;
+            outcome.results.clear();
+            return outcome;
+        }
+        for (auto& f : found)
+            if (f) outcome.results.push_back(std::move(*f));
         // The rest of this kind's span counts as done.
-        const int years = settings.endYear - settings.startYear + 1;
-        yearsDone = kind == EclipseKind::Lunar && settings.solar ? 2 * years : years;
-        if (progress && !progress(yearsDone)) {
+        yearsBefore += years;
+        if (progress && !progress(yearsBefore)) {
             outcome.cancelled = true;
             return outcome;
         }

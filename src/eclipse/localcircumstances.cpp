@@ -5,6 +5,7 @@
 #include <cmath>
 #include <functional>
 
+#include "eclipse/sunmoonsketch.h"
 #include "observer/observer.h"
 
 namespace orv {
@@ -161,7 +162,14 @@ SolarLocalCircumstances SolarLocal(const BesselianElements& e, const EclipseSite
 
     constexpr double kSpan = 4.0;                // hours either side of t0
     constexpr double kScanStep = 2.0 / 60.0;     // 2 minutes
-    const double tMax = Minimise([&](double t) { return at(t).m - at(t).L1; }, -kSpan, kSpan, kScanStep);
+    // The shadow passes the site once: m − L1′ has a single minimum over
+    // the span, and a scan by 6 minutes finds its neighbourhood.
+    const double tMax = Minimise(
+        [&](double t) {
+            const SitePlane p = at(t);
+            return p.m - p.L1;
+        },
+        -kSpan, kSpan, 3.0 * kScanStep);
     // The least of m − L1′ and of m nearly coincide; greatest eclipse is the
     // least distance of the axis from the site.
     const double tGreatest =
@@ -205,8 +213,13 @@ SolarLocalCircumstances SolarLocal(const BesselianElements& e, const EclipseSite
         const SitePlane p = at(tt);
         double alt, az;
         AltAz(site.latitudeRad, p.hourAngleRad, p.decRad, alt, az);
-        if (alt > 0.0 && p.m < p.L1) facesSun = true;
-        if (alt > kSunriseAltitudeRad && p.m < p.L1) {
+        // The contacts themselves belong to the eclipse: there m equals L1′
+        // but for rounding, which must not decide an eclipse seen only as
+        // the Sun rises or sets at first or last contact.
+        const bool atContact = (tt == from && out.first.valid) || (tt >= to && out.last.valid);
+        const bool inPenumbra = atContact || p.m < p.L1;
+        if (alt > 0.0 && inPenumbra) facesSun = true;
+        if (alt > kSunriseAltitudeRad && inPenumbra) {
             out.visible = true;
             facesSun = true;
             break;
@@ -217,7 +230,13 @@ SolarLocalCircumstances SolarLocal(const BesselianElements& e, const EclipseSite
     return out;
 }
 
-std::optional<LunarLocalCircumstances> LunarLocal(double jdTTGreatest, const EclipseSite& site)
+namespace {
+
+// The lunar circumstances from the exact or the sketched Sun and Moon; the
+// Moon counts as up `upMarginRad` below the customary altitude (a margin
+// for screening with the sketch).
+std::optional<LunarLocalCircumstances> LunarLocalGraded(double jdTTGreatest, const EclipseSite& site,
+                                                        EphemerisGrade grade, double upMarginRad)
 {
     if (!std::isfinite(jdTTGreatest)) return std::nullopt;
     // Seven exact samples over ±5 h, fitted by least-squares cubics in t
@@ -227,10 +246,18 @@ std::optional<LunarLocalCircumstances> LunarLocal(double jdTTGreatest, const Ecl
     constexpr double kSpan = 5.0;
     enum { X, Y, SM, RP, RU, RA, DEC, PAR, kFields };
     double t[kN], v[kFields][kN];
+    // The exact places at the ends and the middle tie the sketch at the
+    // other four instants (sunmoonsketch.h).
+    CAnchoredSunMoon model;
+    if (grade == EphemerisGrade::Exact) {
+        const double anchors[3] = {jdTTGreatest - kSpan / 24.0, jdTTGreatest, jdTTGreatest + kSpan / 24.0};
+        if (!model.Anchor(anchors, 3)) return std::nullopt;
+    } else {
+        model.SketchOnly(jdTTGreatest);
+    }
     for (int i = 0; i < kN; ++i) {
         t[i] = -kSpan + 2.0 * kSpan * i / (kN - 1);
-        SunMoonPlaces p;
-        if (!SunMoonAt(jdTTGreatest + t[i] / 24.0, p)) return std::nullopt;
+        const SunMoonPlaces p = model.At(jdTTGreatest + t[i] / 24.0);
         const LunarShadowInstant s = LunarShadowFromPlaces(p);
         v[X][i] = s.xRad;
         v[Y][i] = s.yRad;
@@ -307,13 +334,61 @@ std::optional<LunarLocalCircumstances> LunarLocal(double jdTTGreatest, const Ecl
     for (double tt = from;; tt += 2.0 / 60.0) {
         const double x = std::min(tt, to);
         const EclipseContact k = contact(x);
-        if (k.altitudeRad > 0.7275 * val(PAR, x) - 34.0 / 60.0 * kDegToRad) {
+        if (k.altitudeRad > 0.7275 * val(PAR, x) - 34.0 / 60.0 * kDegToRad - upMarginRad) {
             out.visible = true;
             break;
         }
         if (x >= to) break;
     }
     return out;
+}
+
+}  // namespace
+
+std::optional<LunarLocalCircumstances> LunarLocal(double jdTTGreatest, const EclipseSite& site)
+{
+    return LunarLocalGraded(jdTTGreatest, site, EphemerisGrade::Exact, 0.0);
+}
+
+bool LunarEclipseSurelyUnseen(double jdTTGreatest, const EclipseSite& site)
+{
+    // The sketch's contacts are good to a minute or so and its altitudes to
+    // a few hundredths of a degree; a degree of margin covers both (the
+    // Moon climbs a quarter of a degree a minute at most).
+    const auto l = LunarLocalGraded(jdTTGreatest, site, EphemerisGrade::Sketch, 1.0 * kDegToRad);
+    return l && !l->visible;
+}
+
+bool SolarEclipseSurelyUnseen(double jdTTGreatest, const EclipseSite& site)
+{
+    BesselianElements e;
+    ComputeBesselianElements(jdTTGreatest, e, EphemerisGrade::Sketch);
+    double rhoSin, rhoCos;
+    GeocentricSite(site, rhoSin, rhoCos);
+    const double lonDeg = site.longitudeRad / kDegToRad;
+    const double deltaTCorrectionDeg = 0.00417807 * e.deltaTSeconds;
+    // The sketch puts the shadow within some 0.02 Earth radii of its exact
+    // place; the margin is 0.06. Sampled every two minutes, during which
+    // the shadow moves at most 0.03 Earth radii relative to the site: a
+    // sample within (margin − that) of the penumbra's edge would show a
+    // passage between samples. The Sun must also be near or above the
+    // horizon then (2.5° of margin below the customary −0.8333°).
+    constexpr double kMarginEarthRadii = 0.06;
+    constexpr double kStepHours = 2.0 / 60.0;
+    for (double t = -4.0; t <= 4.0 + 1e-9; t += kStepHours) {
+        const double h = (e.MuDeg(t) + lonDeg - deltaTCorrectionDeg) * kDegToRad;
+        const double d = e.DDeg(t) * kDegToRad;
+        const double sd = std::sin(d), cd = std::cos(d);
+        const double xi = rhoCos * std::sin(h);
+        const double eta = rhoSin * cd - rhoCos * std::cos(h) * sd;
+        const double zeta = rhoSin * sd + rhoCos * std::cos(h) * cd;
+        const double m = std::hypot(e.X(t) - xi, e.Y(t) - eta);
+        if (m - (e.L1(t) - zeta * e.tanF1) > kMarginEarthRadii) continue;
+        // ζ is the sine of the Sun's altitude at the site (geocentric, to
+        // the flattening's few hundredths of a degree).
+        if (zeta > std::sin(-3.5 * kDegToRad)) return false;
+    }
+    return true;
 }
 
 }  // namespace orv

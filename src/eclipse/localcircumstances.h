@@ -78,4 +78,13 @@ struct LunarLocalCircumstances {
 // the Moon does not touch the penumbra.
 std::optional<LunarLocalCircumstances> LunarLocal(double jdTTGreatest, const EclipseSite& site);
 
+// Screens for the search, from the quick sketch of the Sun and Moon
+// (sunmoonsketch.h) with margins wider than its errors: true only when the
+// site surely sees nothing of the eclipse (solar: the penumbra never comes
+// near the site while the Sun is near or above its horizon; lunar: the Moon
+// stays a degree below its rising altitude from P1 to P4). False means the
+// exact circumstances must decide.
+bool SolarEclipseSurelyUnseen(double jdTTGreatest, const EclipseSite& site);
+bool LunarEclipseSurelyUnseen(double jdTTGreatest, const EclipseSite& site);
+
 }  // namespace orv

@@ -1,10 +1,13 @@
 // The eclipse search dialog hands back what its fields say; the browsing
 // list shows one line per record of the chosen file with the browsing
-// lists' date and type texts, and remembers its file.
+// lists' date and type texts, remembers its file, and maps an eclipse.
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSpinBox>
 #include <QTableView>
 
@@ -54,4 +57,43 @@ TEST(EclipseWindows, BrowseListShowsTheFile)
     EXPECT_EQ(QString::fromStdString(BrowseDateText(records->front())), view->model()->index(0, 0).data().toString());
     window->close();  // deletes itself and stores its place
     EXPECT_EQ(5, settings.GetInt("LunarEclipse", "FileNumber", 0));
+}
+
+// The browsing list's Map button opens the world map of a lunar eclipse with
+// its global phases: the total eclipse of 2022 November 8, totality from
+// 10:16:39 to 11:41:35 UT (NASA's figures for the eclipse).
+TEST(EclipseWindows, BrowseListMapsALunarEclipse)
+{
+    std::string path;
+    if (!LocateDataFile(EclipseFileName(EclipseKind::Lunar, 5), path))
+        GTEST_SKIP() << "no eclipse tables in the data folder (" << GetDataPath() << "); tools/build-data.sh builds them";
+    const auto records = ReadEclipseFile(path);
+    ASSERT_TRUE(records && !records->empty());
+    int row = -1;
+    for (std::size_t i = 0; i < records->size(); ++i)
+        if ((*records)[i].year == 2022 && (*records)[i].month == 11) row = static_cast<int>(i);
+    ASSERT_GE(row, 0);
+    CMemorySettingsStore settings;
+    settings.SetInt("LunarEclipse", "FileNumber", 5);
+    CAppContext context{settings};
+    auto* window = new CEclipseBrowseWindow(context, EclipseKind::Lunar);
+    auto* view = window->findChild<QTableView*>();
+    ASSERT_NE(view, nullptr);
+    view->selectRow(row);
+    QPushButton* map = nullptr;
+    for (QPushButton* b : window->findChildren<QPushButton*>())
+        if (b->text() == QStringLiteral("&Map")) map = b;
+    ASSERT_NE(map, nullptr);
+    map->click();
+    CEclipseMapWindow* shown = nullptr;
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (auto* m = qobject_cast<CEclipseMapWindow*>(w)) shown = m;
+    ASSERT_NE(shown, nullptr);
+    EXPECT_TRUE(shown->windowTitle().startsWith(QStringLiteral("Total Lunar Eclipse of 2022 AD Nov 08")));
+    auto* text = shown->findChild<QPlainTextEdit*>();
+    ASSERT_NE(text, nullptr);
+    EXPECT_TRUE(text->toPlainText().contains(QStringLiteral("U2 total begins     10:16:")));
+    EXPECT_TRUE(text->toPlainText().contains(QStringLiteral("U3 total ends       11:41:")));
+    shown->close();
+    window->close();
 }

@@ -101,6 +101,28 @@ TEST(LunarLocalCircumstances, TotalEclipse2022November)
     EXPECT_FALSE(cairo->visible);
 }
 
+// An eclipse seen only as the Sun sets or rises at a contact: the partial
+// eclipse of 2065 December 27 begins at Sydney with the Sun 0.75° below the
+// geometric horizon, above the customary −0.8333° of sunrise and sunset, and
+// ends after it has set. The contact itself belongs to the eclipse: the
+// verdict must not rest on whether m or L1′ rounds larger there.
+TEST(SolarLocalCircumstances, SeenOnlyAtFirstContact)
+{
+    SunMoonPlaces probe;
+    if (!SunMoonAt(2451545.0, probe)) GTEST_SKIP() << "no VSOP87 files in the data folder (" << GetDataPath() << ")";
+    const auto e = EclipseAtSyzygyNear(JulianDateFromCivil(CivilDateTime{2065, 12, 27, 10, 0, 0.0}), EclipseKind::Solar);
+    ASSERT_TRUE(e.has_value());
+    BesselianElements b;
+    ASSERT_TRUE(ComputeBesselianElements(e->jdTT, b));
+    const SolarLocalCircumstances c = SolarLocal(b, {-33.87 * kDeg, 151.21 * kDeg, 0.0});
+    ASSERT_TRUE(c.eclipsed);
+    EXPECT_TRUE(c.visible);
+    ASSERT_TRUE(c.first.valid);
+    EXPECT_GT(c.first.altitudeRad, -0.8333 * kDeg);
+    EXPECT_LT(c.first.altitudeRad, -0.5 * kDeg);
+    EXPECT_LT(c.greatest.altitudeRad, -0.8333 * kDeg);
+}
+
 // The overlap of two discs: the limits and a case worked by hand (equal
 // radii 1 at distance 1: area 2π/3 − √3/2 of π).
 TEST(DiscObscuration, Geometry)
