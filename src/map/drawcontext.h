@@ -192,4 +192,14 @@ void ClearUpperVectorState();
 void DrawBoxedText(QPainter& p, const QRectF& box, const QString& text, const QColor& textColour,
                    const QColor& background);
 
+// Chart labels repeat from one redraw to the next (grid values, constellation
+// names), and shaping a text costs tens of microseconds. On image surfaces
+// the shaped texts are kept (per thread, per font and resolution) and drawn
+// again as they are; other surfaces shape each text as usual.
+//
+// The advance of `text` in `font` on the painter's device.
+double LabelTextWidth(QPainter& p, const QFont& font, const QString& text);
+// `text` in the painter's font and pen, centred in `box`.
+void DrawCentredText(QPainter& p, const QRectF& box, const QString& text);
+
 }  // namespace orv

@@ -379,7 +379,7 @@ void LabelGrid(DrawContext& ctx, const GridLines& grid)
                                                    BorderEdge::Top};
     std::vector<LabelRect> candidates;
     for (const GridLines::Line& l : grid.lines) {
-        const double tw = fm.horizontalAdvance(l.label) + 2.0 * pad, th = fm.height();
+        const double tw = LabelTextWidth(p, ctx.fonts.grid, l.label) + 2.0 * pad, th = fm.height();
         candidates.clear();
         for (BorderEdge edge : l.meridian ? kMeridianOrder : kParallelOrder) {
             for (const BorderCrossing& c : l.curve.crossings) {

@@ -11,6 +11,12 @@
 
 #include "map/drawcontext.h"
 
+#include <QFontMetricsF>
+#include <QPaintDevice>
+#include <QStaticText>
+
+#include <unordered_map>
+
 namespace orv {
 
 namespace {
@@ -220,12 +226,63 @@ void ClearUpperVectorState()
 void ClearUpperVectorState() {}
 #endif
 
+namespace {
+
+struct ShapedText {
+    QStaticText text;
+    double widthPx = 0.0;
+};
+
+bool ImageSurface(const QPainter& p) { return p.device() != nullptr && p.device()->devType() == QInternal::Image; }
+
+// The shaped text of `text` in `font` at the device's resolution, or nullptr
+// when the surface shapes its texts itself.
+const ShapedText* Shaped(QPainter& p, const QFont& font, const QString& text)
+{
+    if (!ImageSurface(p) || text.isEmpty()) return nullptr;
+    thread_local std::unordered_map<QString, ShapedText> cache;
+    const QString key = font.key() + QChar(0x1f) + QString::number(p.device()->logicalDpiY()) + QChar(0x1f) + text;
+    auto it = cache.find(key);
+    if (it == cache.end()) {
+        // A chart has a few hundred distinct labels; a bound keeps a long
+        // session of changing charts from growing it without end.
+        if (cache.size() >= 4096) cache.clear();
+        ShapedText shaped;
+        shaped.text.setText(text);
+        shaped.text.setTextFormat(Qt::PlainText);
+        shaped.text.setPerformanceHint(QStaticText::AggressiveCaching);
+        shaped.text.prepare(QTransform(), font);
+        shaped.widthPx = QFontMetricsF(font, p.device()).horizontalAdvance(text);
+        it = cache.emplace(key, std::move(shaped)).first;
+    }
+    return &it->second;
+}
+
+}  // namespace
+
+double LabelTextWidth(QPainter& p, const QFont& font, const QString& text)
+{
+    if (const ShapedText* s = Shaped(p, font, text)) return s->widthPx;
+    return QFontMetricsF(font, p.device()).horizontalAdvance(text);
+}
+
+void DrawCentredText(QPainter& p, const QRectF& box, const QString& text)
+{
+    const ShapedText* s = Shaped(p, p.font(), text);
+    if (s == nullptr || p.worldTransform().type() > QTransform::TxTranslate) {
+        p.drawText(box, Qt::AlignCenter, text);
+        return;
+    }
+    const QSizeF size = s->text.size();
+    p.drawStaticText(QPointF(box.center().x() - 0.5 * s->widthPx, box.center().y() - 0.5 * size.height()), s->text);
+}
+
 void DrawBoxedText(QPainter& p, const QRectF& box, const QString& text, const QColor& textColour,
                    const QColor& background)
 {
     p.fillRect(box, background);
     p.setPen(textColour);
-    p.drawText(box, Qt::AlignCenter, text);
+    DrawCentredText(p, box, text);
 }
 
 }  // namespace orv

@@ -219,7 +219,7 @@ void CConstellationLayer::DrawNames(DrawContext& ctx)
         if (s.x < 0 || s.y < 0 || s.x > ctx.Width() || s.y > ctx.Height()) continue;
         QString text = QString::fromStdString(abbreviated ? cat.Abbreviation(c) : cat.Name(c));
         if (!abbreviated) text = text.toUpper();
-        const double w = fm.horizontalAdvance(text), h = fm.height();
+        const double w = LabelTextWidth(ctx.painter, ctx.fonts.label, text), h = fm.height();
         // Centred on its place, else just below or above it.
         const LabelRect candidates[] = {{s.x - w / 2, s.y - h / 2, s.x + w / 2, s.y + h / 2},
                                         {s.x - w / 2, s.y + h / 2, s.x + w / 2, s.y + 1.5 * h},
@@ -227,7 +227,7 @@ void CConstellationLayer::DrawNames(DrawContext& ctx)
         const int k = ctx.labels.Place(candidates);
         if (k < 0) continue;
         const LabelRect& r = candidates[k];
-        ctx.painter.drawText(QRectF(r.x0, r.y0, r.x1 - r.x0, r.y1 - r.y0), Qt::AlignCenter, text);
+        DrawCentredText(ctx.painter, QRectF(r.x0, r.y0, r.x1 - r.x0, r.y1 - r.y0), text);
         SceneObject o;
         o.raJ2000Rad = place.raJ2000Rad;
         o.decJ2000Rad = place.decJ2000Rad;
