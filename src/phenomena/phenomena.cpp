@@ -1040,6 +1040,8 @@ PhenomenaOutcome SearchOne(CSampler& sampler, const CObserverDoc& observer, cons
         return it->second[static_cast<std::size_t>(c)];
     };
 
+    double lastJdUT = kNaN;
+    int lastChannel = -1;
     for (int c = 0; c < plan.channels; ++c) {
         // The channel's series y at times t0 + k·step: the values, or their
         // step-to-step changes placed half a step later.
@@ -1092,6 +1094,11 @@ PhenomenaOutcome SearchOne(CSampler& sampler, const CObserverDoc& observer, cons
             PhenomenonEvent e;
             e.jdUT = t0 + (centre + *n) * stepDays;
             if (e.jdUT < request.jdUTStart || e.jdUT > jdEnd) continue;
+            // Two brackets refined to one root (the sampled values off by a
+            // hair where the exact ones cross): the event once.
+            if (lastChannel == c && std::abs(e.jdUT - lastJdUT) < 0.5 * stepDays) continue;
+            lastJdUT = e.jdUT;
+            lastChannel = c;
             e.name.clear();
             FillEvent(sampler, observer, request, c, rising, e);
             out.events.push_back(std::move(e));
