@@ -267,6 +267,7 @@ public:
                 GreenwichMeanSiderealTimeRad(jdUT, jdTT) + dPsi * std::cos(trueObliquity) + m_observer.LongitudeRad();
             const double scale = kEquatorKm / kAstronomicalUnitKmIAU2012;
             m_site = {rhoCos * std::cos(theta) * scale, rhoCos * std::sin(theta) * scale, rhoSin * scale};
+            m_siteTheta = theta;
             m_siteJdTT = jdTT;
         }
         const double cd = std::cos(decRad);
@@ -277,6 +278,16 @@ public:
         decRad = std::atan2(topo.z, std::hypot(topo.x, topo.y));
         distanceAU = std::sqrt(topo.x * topo.x + topo.y * topo.y + topo.z * topo.z);
         return std::isfinite(raRad) && std::isfinite(decRad);
+    }
+
+    // The geometric altitude of a topocentric place of date at the instant
+    // of the last Topocentric call (Meeus eq. 13.6).
+    double SiteAltitude(double raRad, double decRad) const
+    {
+        const double phi = m_observer.LatitudeRad();
+        const double hourAngle = m_siteTheta - raRad;
+        return std::asin(std::clamp(
+            std::sin(phi) * std::sin(decRad) + std::cos(phi) * std::cos(decRad) * std::cos(hourAngle), -1.0, 1.0));
     }
 
     // Whether the Moon's states carry its elongation (the Sun's place).
@@ -511,6 +522,7 @@ private:
     std::unordered_map<long long, std::array<double, 11>> m_rotationNodes;
     std::array<std::unordered_map<long long, Vector3>, kBodyCount> m_bodyNodes;
     Vector3 m_site{};
+    double m_siteTheta = kNaN;
     double m_siteJdTT = kNaN;
     bool m_sampling = false;
     bool m_interpolateBodies = false;
@@ -692,7 +704,7 @@ void CheckSite(CSampler& sampler, const CObserverDoc& observer, const Phenomenon
         };
         s.separation = Separation(ra1, dec1, ra2, dec2);
         s.margin = s.separation - radius(moon, d1) - radius(other, d2);
-        const double altitude = observer.AltitudeOf(ra1, dec1, jdUT);
+        const double altitude = sampler.SiteAltitude(ra1, dec1);
         s.moonAltitude = altitude + observer.Refraction(altitude);
         return s;
     };
