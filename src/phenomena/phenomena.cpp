@@ -114,9 +114,9 @@ class CSampler {
 public:
     explicit CSampler(const CObserverDoc& observer) : m_observer(observer) {}
 
-    // The search's step (days): below a day the Moon is interpolated from
-    // one-day nodes when sampling (see MoonAt), below
-    // half a day the other bodies from half-day nodes.
+    // The search's step (days): when sampling, below a day the Moon is
+    // interpolated from one-day nodes (see MoonAt), below half a day the
+    // other bodies from half-day nodes.
     void SetStep(double stepDays)
     {
         m_interpolateMoon = stepDays < kMoonNodeDays;
@@ -297,7 +297,7 @@ private:
     static constexpr double kNodeDays = 2.0;
     static constexpr double kMoonNodeDays = 1.0;
 
-    // The lunar series costs most of a Moon sample (some 75 µs). When
+    // The lunar series costs most of a Moon sample (some 50 µs). When
     // sampling, a cubic through one-day nodes stands in for it: the error
     // of such a cubic is (ωh)⁴·3/128 of a term of angular frequency ω, which
     // for the terms of any size (6.29° at 27.55 days, 0.66° at 14.77, 0.21°
