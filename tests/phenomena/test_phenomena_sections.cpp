@@ -145,6 +145,60 @@ TEST(PhenomenaSections, EveryPlanetAgainstTheSun)
     EXPECT_NE(report.find("Opposition in longitude between Saturn and Sun\n\n"), std::string::npos);
 }
 
+// The sampling interpolates the Moon from one-day nodes, the planets from
+// half-day ones, and the refinement recomputes the samples about each root:
+// over six years neither may lose a root nor add one. The Moon's extremes of declination and of distance must
+// alternate, and its phases run in order, with the spacing the lunar
+// months allow (the anomalistic month 27.55 days, the tropical 27.32, the
+// synodic 29.53; the half-periods vary by a few days with the Sun's
+// perturbations). A false pair of roots would break the alternation, a lost
+// one the spacing.
+TEST(PhenomenaSearch, SixYearsOfEventsAlternate)
+{
+    REQUIRE_EPHEMERIS();
+    CObserverDoc observer;
+    const auto search = [&](PhenomenonKind kind, std::vector<PhenomenonBody> bodies) {
+        PhenomenaRequest r;
+        r.kind = kind;
+        r.bodies = std::move(bodies);
+        r.jdUTStart = JdUT(2020, 1, 1, 0, 0);
+        r.durationDays = 2191.5;
+        return SearchPhenomena(observer, r);
+    };
+    struct Case {
+        PhenomenaOutcome out;
+        std::vector<std::string> cycle;
+        double minDays, maxDays;  // between consecutive events
+    };
+    const PhenomenonBody moon = PhenomenonBody::Planet(kBodyMoon);
+    const PhenomenonBody mercury = PhenomenonBody::Planet(kBodyMercury);
+    const Case cases[] = {
+        {search(PhenomenonKind::DeclinationExtremes, {moon}), {"Maximum", "Minimum"}, 12.0, 15.5},
+        {search(PhenomenonKind::ApogeePerigee, {moon}), {"Perigee", "Apogee"}, 10.0, 18.0},
+        {search(PhenomenonKind::MoonPhases, {}), {"New Moon", "First Quarter", "Full Moon", "Last Quarter"}, 6.0, 8.7},
+        // Mercury, from half-day nodes: retrograde for about three weeks of
+        // each 116-day synodic period; greatest elongations 36 to 80 days
+        // apart.
+        {search(PhenomenonKind::StationaryLongitude, {mercury}), {"Retrograde", "Direct"}, 18.0, 110.0},
+        {search(PhenomenonKind::GreatestElongation, {mercury}), {"East", "West"}, 30.0, 85.0},
+    };
+    for (const Case& c : cases) {
+        ASSERT_EQ(c.out.status, PhenomenaStatus::Ok);
+        ASSERT_GT(c.out.events.size(), 30u);
+        const auto first = std::find(c.cycle.begin(), c.cycle.end(), c.out.events.front().name);
+        ASSERT_NE(first, c.cycle.end()) << c.out.events.front().name;
+        std::size_t k = static_cast<std::size_t>(first - c.cycle.begin());
+        for (std::size_t i = 1; i < c.out.events.size(); ++i) {
+            k = (k + 1) % c.cycle.size();
+            const PhenomenonEvent& e = c.out.events[i];
+            ASSERT_EQ(e.name, c.cycle[k]) << FormatPhenomenonDate(e.jdUT);
+            const double gap = e.jdUT - c.out.events[i - 1].jdUT;
+            EXPECT_GT(gap, c.minDays) << FormatPhenomenonDate(e.jdUT) << " " << e.name;
+            EXPECT_LT(gap, c.maxDays) << FormatPhenomenonDate(e.jdUT) << " " << e.name;
+        }
+    }
+}
+
 TEST(PhenomenaReport, SectionsAndEntries)
 {
     // The layout: the title and "\n\n", then each entry and "\r\n\r\n";
