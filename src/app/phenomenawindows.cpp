@@ -118,8 +118,14 @@ CPhenomenaDialog::CPhenomenaDialog(const CObserverDoc& site, CAppContext& app, Q
     m_interval->setValue(1.0);
     m_interval->setSuffix(tr(" hours"));
     form->addRow(tr("&Event:"), m_kind);
-    form->addRow(tr("&First body:"), row(m_first, m_firstName));
-    form->addRow(tr("&Second body:"), row(m_second, m_secondName));
+    // A row holding a layout has no buddy of its own: the labels name the
+    // lists, so that their shortcuts work and the ampersand is not shown.
+    auto* firstLabel = new QLabel(tr("&First body:"), this);
+    firstLabel->setBuddy(m_first);
+    auto* secondLabel = new QLabel(tr("&Second body:"), this);
+    secondLabel->setBuddy(m_second);
+    form->addRow(firstLabel, row(m_first, m_firstName));
+    form->addRow(secondLabel, row(m_second, m_secondName));
     form->addRow(tr("S&tart (0h UT):"), m_start);
     form->addRow(tr("&Duration:"), m_duration);
     form->addRow(tr("Calculation &interval:"), m_interval);
