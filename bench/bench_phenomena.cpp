@@ -74,6 +74,58 @@ void BM_AlmanacYear(benchmark::State& state)
 }
 BENCHMARK(BM_AlmanacYear)->Unit(benchmark::kMillisecond)->Iterations(2);
 
+// The almanac as the command line makes it, with the Moon's conjunctions
+// with the five bright stars it can occult (Hipparcos J2000 places).
+void BM_AlmanacYearWithStars(benchmark::State& state)
+{
+    if (!HaveEphemeris(state)) return;
+    orv::CObserverDoc observer;
+    const auto star = [](const char* name, double raHours, double decDeg) {
+        PhenomenonBody b;
+        b.type = PhenomenonBody::Type::Fixed;
+        b.raJ2000Rad = raHours * 15.0 * 0.017453292519943295;
+        b.decJ2000Rad = decDeg * 0.017453292519943295;
+        b.name = name;
+        return b;
+    };
+    const std::vector<PhenomenonBody> stars = {
+        star("Aldebaran", 4.598678, 16.509302), star("Regulus", 10.139531, 11.967208),
+        star("Spica", 13.419883, -11.161319), star("Antares", 16.490128, -26.432002),
+        star("Alcyone", 3.791411, 24.105137)};
+    for (auto _ : state) benchmark::DoNotOptimize(orv::MakeAlmanac(observer, 2026, {}, stars));
+}
+BENCHMARK(BM_AlmanacYearWithStars)->Unit(benchmark::kMillisecond)->Iterations(2);
+
+// Every planet's opposition to the Sun over a year at one-hour steps: eight
+// searches sharing their interpolation nodes.
+void BM_EveryPlanetAgainstTheSun(benchmark::State& state)
+{
+    if (!HaveEphemeris(state)) return;
+    orv::CObserverDoc observer;
+    orv::PhenomenaRequest base;
+    base.kind = PhenomenonKind::OppositionLongitude;
+    base.jdUTStart = 2461041.5;
+    base.durationDays = 365.0;
+    base.stepHours = 1.0;
+    const auto requests = orv::PhenomenaPairs(base, orv::AllPlanetBodies(), {PhenomenonBody::Planet(orv::kBodySun)});
+    for (auto _ : state) benchmark::DoNotOptimize(orv::SearchPhenomenaSections(observer, requests));
+}
+BENCHMARK(BM_EveryPlanetAgainstTheSun)->Unit(benchmark::kMillisecond);
+
+// A century of the Moon's phases at one-hour steps (876,600 samples).
+void BM_MoonPhasesCenturyHourly(benchmark::State& state)
+{
+    if (!HaveEphemeris(state)) return;
+    orv::CObserverDoc observer;
+    orv::PhenomenaRequest request;
+    request.kind = PhenomenonKind::MoonPhases;
+    request.jdUTStart = 2451544.5;
+    request.durationDays = 36525.0;
+    request.stepHours = 1.0;
+    for (auto _ : state) benchmark::DoNotOptimize(orv::SearchPhenomena(observer, request));
+}
+BENCHMARK(BM_MoonPhasesCenturyHourly)->Unit(benchmark::kMillisecond)->Iterations(1);
+
 }  // namespace
 
 BENCHMARK_MAIN();

@@ -46,6 +46,7 @@ QComboBox* BodyChoices(QWidget* parent, int initial)
     box->addItem(QObject::tr("Comet"), kPhenomenaChoiceComet);
     box->addItem(QObject::tr("Star"), kPhenomenaChoiceStar);
     box->addItem(QObject::tr("Deep sky object"), kPhenomenaChoiceDeepSky);
+    box->addItem(QObject::tr("All planets"), kPhenomenaChoiceAllPlanets);
     box->setCurrentIndex(box->findData(initial));
     return box;
 }
@@ -63,7 +64,7 @@ std::optional<std::string> ValidatePhenomenaChoice(const PhenomenaChoice& c)
     for (int i = 0; i < count; ++i) {
         const PhenomenaBodyChoice& b = i == 0 ? c.first : c.second;
         const bool named = b.choice >= kPhenomenaChoiceAsteroid && b.choice <= kPhenomenaChoiceDeepSky;
-        if (b.choice < 0 || b.choice > kPhenomenaChoiceDeepSky) return "Please select a planet name from the list.";
+        if (b.choice < 0 || b.choice > kPhenomenaChoiceAllPlanets) return "Please select a planet name from the list.";
         if (named && b.name.empty()) {
             switch (b.choice) {
             case kPhenomenaChoiceAsteroid: return "Please select an asteroid name from the list.";
@@ -117,8 +118,14 @@ CPhenomenaDialog::CPhenomenaDialog(const CObserverDoc& site, CAppContext& app, Q
     m_interval->setValue(1.0);
     m_interval->setSuffix(tr(" hours"));
     form->addRow(tr("&Event:"), m_kind);
-    form->addRow(tr("&First body:"), row(m_first, m_firstName));
-    form->addRow(tr("&Second body:"), row(m_second, m_secondName));
+    // A row holding a layout has no buddy of its own: the labels name the
+    // lists, so that their shortcuts work and the ampersand is not shown.
+    auto* firstLabel = new QLabel(tr("&First body:"), this);
+    firstLabel->setBuddy(m_first);
+    auto* secondLabel = new QLabel(tr("&Second body:"), this);
+    secondLabel->setBuddy(m_second);
+    form->addRow(firstLabel, row(m_first, m_firstName));
+    form->addRow(secondLabel, row(m_second, m_secondName));
     form->addRow(tr("S&tart (0h UT):"), m_start);
     form->addRow(tr("&Duration:"), m_duration);
     form->addRow(tr("Calculation &interval:"), m_interval);
@@ -146,7 +153,10 @@ void CPhenomenaDialog::UpdateEnabled()
 {
     const int kind = m_kind->currentData().toInt();
     const int count = kind >= 0 ? PhenomenonBodyCount(static_cast<PhenomenonKind>(kind)) : 2;
-    const auto named = [](QComboBox* box) { return box->currentData().toInt() >= kPhenomenaChoiceAsteroid; };
+    const auto named = [](QComboBox* box) {
+        const int v = box->currentData().toInt();
+        return v >= kPhenomenaChoiceAsteroid && v <= kPhenomenaChoiceDeepSky;
+    };
     m_first->setEnabled(count >= 1);
     m_firstName->setEnabled(count >= 1 && named(m_first));
     m_second->setEnabled(count >= 2);
@@ -212,6 +222,13 @@ std::optional<PhenomenonBody> CPhenomenaDialog::Resolve(const PhenomenaBodyChoic
     return b;
 }
 
+std::vector<PhenomenonBody> CPhenomenaDialog::ResolveAll(const PhenomenaBodyChoice& c, std::string& message)
+{
+    if (c.choice == kPhenomenaChoiceAllPlanets) return AllPlanetBodies();
+    if (auto body = Resolve(c, message)) return {*body};
+    return {};
+}
+
 bool CPhenomenaDialog::Search()
 {
     if (m_running) return false;
@@ -227,24 +244,26 @@ bool CPhenomenaDialog::Search()
     request.durationDays = c.durationDays;
     request.stepHours = c.intervalHours;
     const int count = PhenomenonBodyCount(request.kind);
+    std::vector<PhenomenonBody> lists[2];
     for (int i = 0; i < count; ++i) {
         std::string message;
-        const auto body = Resolve(i == 0 ? c.first : c.second, message);
-        if (!body) return warn(message);
-        request.bodies.push_back(*body);
+        lists[i] = ResolveAll(i == 0 ? c.first : c.second, message);
+        if (lists[i].empty()) return warn(message);
     }
+    const std::vector<PhenomenaRequest> requests = PhenomenaPairs(request, lists[0], lists[1]);
+    if (requests.empty()) return warn("Please select two different bodies.");
 
     // The search runs on a worker thread with its own copy of the site;
     // this thread keeps the window alive and passes Cancel on.
     std::atomic<double> fraction{0.0};
     std::atomic<bool> cancel{false};
     std::atomic<bool> done{false};
-    PhenomenaOutcome outcome;
+    PhenomenaBatchOutcome outcome;
     m_running = true;
     m_cancelRequested = false;
     const ProgressFn progress = m_panel->BeginProgress(tr("Searching..."));
-    std::thread worker([&, site = m_site, request] {
-        outcome = SearchPhenomena(site, request, [&](double f) {
+    std::thread worker([&, site = m_site, requests] {
+        outcome = SearchPhenomenaSections(site, requests, [&](double f) {
             fraction = f;
             return !cancel.load();
         });
@@ -262,14 +281,15 @@ bool CPhenomenaDialog::Search()
         return false;
     }
     if (outcome.status != PhenomenaStatus::Ok) return warn(PhenomenaStatusMessage(outcome.status));
-    m_panel->SetTable(MakePhenomenaTable(request, outcome.events));
-    if (outcome.events.empty()) {
+    m_panel->SetTable(outcome.sections.empty() ? MakePhenomenaTable(requests.front(), {})
+                                               : MakePhenomenaTable(outcome.sections));
+    if (outcome.eventCount == 0) {
         m_message->setText(tr("No events were found in the specified time period."));
         QMessageBox::information(this, QApplication::applicationName(),
                                  tr("No events were found in the specified time period."));
         return false;
     }
-    m_message->setText(tr("%1 events").arg(outcome.events.size()));
+    m_message->setText(tr("%1 events").arg(outcome.eventCount));
     return true;
 }
 

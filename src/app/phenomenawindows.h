@@ -10,6 +10,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "observer/observer.h"
 #include "phenomena/phenomena.h"
@@ -33,6 +34,9 @@ inline constexpr int kPhenomenaChoiceAsteroid = 11;
 inline constexpr int kPhenomenaChoiceComet = 12;
 inline constexpr int kPhenomenaChoiceStar = 13;
 inline constexpr int kPhenomenaChoiceDeepSky = 14;
+// Every planet, Mercury … Pluto: one search for each (against each body of
+// the other choice), each in a section of its own.
+inline constexpr int kPhenomenaChoiceAllPlanets = 15;
 
 struct PhenomenaBodyChoice {
     int choice = -1;  // nothing chosen
@@ -68,6 +72,9 @@ protected:
 private:
     // The body of a choice; the message for the user otherwise.
     std::optional<PhenomenonBody> Resolve(const PhenomenaBodyChoice& choice, std::string& message);
+    // The bodies of a choice: one, or every planet; empty (with the message)
+    // when refused.
+    std::vector<PhenomenonBody> ResolveAll(const PhenomenaBodyChoice& choice, std::string& message);
     void UpdateEnabled();
 
     CObserverDoc m_site;

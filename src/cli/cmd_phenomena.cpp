@@ -93,7 +93,7 @@ bool ResolveBody(Context& ctx, const CObserverDoc& observer, CMinorCatalogs& min
 
 int RunPhenomena(Context& ctx)
 {
-    const auto known = OptionNames({}, {"kind", "body", "from", "days", "step", "asteroids", "comets"});
+    const auto known = OptionNames({&kSiteOptionNames}, {"kind", "body", "from", "days", "step", "asteroids", "comets"});
     if (const auto unknown = ctx.args.Unknown(known); !unknown.empty())
         return UsageError(ctx, "unknown option --" + unknown.front());
     const auto kindText = ctx.args.Get("kind");
@@ -103,6 +103,9 @@ int RunPhenomena(Context& ctx)
 
     CObserverDoc observer;
     observer.LoadSettings(ctx.settings);
+    // The site: only the Moon's close passes use it (what the site sees).
+    std::string siteError;
+    if (!ApplySiteOptions(ctx, observer, siteError)) return UsageError(ctx, siteError);
     PhenomenaRequest request;
     request.kind = *kind;
     const auto fromText = ctx.args.Get("from");
@@ -121,29 +124,57 @@ int RunPhenomena(Context& ctx)
     if (!error.empty()) return UsageError(ctx, error);
     request.stepHours = step.value_or(1.0);
 
-    const std::vector<std::string> names = ctx.args.GetAll("body");
+    // Each --body is a body, a comma-separated list of them, or "planets"
+    // (Mercury ... Pluto): a two-body kind takes two (every body of the
+    // first against every body of the second), a one-body kind one or more.
+    const std::vector<std::string> options = ctx.args.GetAll("body");
     const int needed = PhenomenonBodyCount(*kind);
-    if (static_cast<int>(names.size()) != needed)
-        return UsageError(ctx, "--kind " + std::string(PhenomenonKindKey(*kind)) + " takes " + std::to_string(needed) +
-                                   " --body option" + (needed == 1 ? "" : "s"));
+    const bool countOk = needed == 2 ? options.size() == 2 : needed == 1 ? !options.empty() : options.empty();
+    if (!countOk)
+        return UsageError(ctx, "--kind " + std::string(PhenomenonKindKey(*kind)) + " takes " +
+                                   (needed == 2 ? "two --body options" : needed == 1 ? "one or more --body options"
+                                                                                     : "no --body option"));
     CMinorCatalogs minor;
     minor.SetPaths(ctx.args.Get("asteroids").value_or(ctx.settings.GetString("Paths", "AsteroidCat", "")),
                    ctx.args.Get("comets").value_or(ctx.settings.GetString("Paths", "CometCat", "")));
-    for (const std::string& name : names) {
-        PhenomenonBody body;
-        int rc = 0;
-        if (!ResolveBody(ctx, observer, minor, *kind, name, body, rc)) return rc;
-        request.bodies.push_back(std::move(body));
+    std::vector<PhenomenonBody> lists[2];
+    for (std::size_t i = 0; i < options.size(); ++i) {
+        std::vector<PhenomenonBody>& list = lists[needed == 2 ? i : 0];
+        std::size_t begin = 0;
+        const std::string& text = options[i];
+        while (begin <= text.size()) {
+            std::size_t end = text.find(',', begin);
+            if (end == std::string::npos) end = text.size();
+            std::string name = text.substr(begin, end - begin);
+            while (!name.empty() && name.front() == ' ') name.erase(name.begin());
+            while (!name.empty() && name.back() == ' ') name.pop_back();
+            begin = end + 1;
+            if (name.empty()) return UsageError(ctx, "--body \"" + text + "\" has an empty name in its list");
+            if (name == "planets" || name == "Planets") {
+                const std::vector<PhenomenonBody> all = AllPlanetBodies();
+                list.insert(list.end(), all.begin(), all.end());
+                continue;
+            }
+            PhenomenonBody body;
+            int rc = 0;
+            if (!ResolveBody(ctx, observer, minor, *kind, name, body, rc)) return rc;
+            list.push_back(std::move(body));
+        }
     }
+    const std::vector<PhenomenaRequest> requests = PhenomenaPairs(request, lists[0], lists[1]);
+    if (requests.empty()) return UsageError(ctx, "the --body lists make no pair of two different bodies");
 
-    const PhenomenaOutcome out = SearchPhenomena(observer, request);
+    // Every request shares the kind and span: the first stands for them in
+    // the checks.
+    const PhenomenaBatchOutcome out = SearchPhenomenaSections(observer, requests);
     if (out.status == PhenomenaStatus::BadDuration || out.status == PhenomenaStatus::BadStep ||
         out.status == PhenomenaStatus::TooManySamples || out.status == PhenomenaStatus::BadBodies ||
         out.status == PhenomenaStatus::NoKind)
         return UsageError(ctx, PhenomenaStatusMessage(out.status));
     if (out.status != PhenomenaStatus::Ok) return Fail(ctx, PhenomenaStatusMessage(out.status));
-    if (out.events.empty() && !ctx.json) ctx.err << "No events were found in the specified time period.\n";
-    const ResultTable table = MakePhenomenaTable(request, out.events);
+    if (out.eventCount == 0 && !ctx.json) ctx.err << "No events were found in the specified time period.\n";
+    const ResultTable table = out.sections.empty() ? MakePhenomenaTable(requests.front(), {})
+                                                   : MakePhenomenaTable(out.sections);
     QJsonObject extra;
     extra["kind"] = QString::fromLatin1(PhenomenonKindKey(*kind).data(), static_cast<int>(PhenomenonKindKey(*kind).size()));
     extra["kindNumber"] = static_cast<int>(*kind);
@@ -196,7 +227,7 @@ int RunAlmanac(Context& ctx)
 
 ORV_CLI_COMMAND("phenomena", "conjunctions, oppositions, phases, equinoxes and other events of a span",
                 "orvane-cli phenomena --kind NAME [--body A [--body B]] --from YYYY-MM-DD [--days N] [--step HOURS]\n"
-                "                     [--asteroids FILE --comets FILE] [--json | --csv]\n\n"
+                "                     [--asteroids FILE --comets FILE] [--lat DEG --lon DEG --height M] [--json | --csv]\n\n"
                 "  --kind NAME     conjunction, conjunction-ra, min-separation, opposition, opposition-ra,\n"
                 "                  max-separation, min-distance, max-distance, equinoxes, quadrature, quadrature-ra,\n"
                 "                  moon-phases, stationary, stationary-ra, declination, perihelion (0-15), and\n"
@@ -205,11 +236,16 @@ ORV_CLI_COMMAND("phenomena", "conjunctions, oppositions, phases, equinoxes and o
                 "  --body NAME     Sun, Moon, Mercury ... Pluto, Earth (perihelion), a catalogued comet or asteroid;\n"
                 "                  for the conjunction, opposition, quadrature, separation and appulse kinds also a\n"
                 "                  star or deep-sky object. Two-body kinds take two, equinoxes and moon-phases none.\n"
+                "                  A --body may list several (\"Venus,Mars\") or say \"planets\" (Mercury ... Pluto):\n"
+                "                  every body of the first against every body of the second, or each body of a\n"
+                "                  one-body kind, each pair in a section of its own (a \"bodies\" column in JSON/CSV).\n"
                 "  --from DATE     start, 0h UT; --days N the span in days (default 365); --step HOURS the\n"
                 "                  sampling interval (default 1); each event is refined to the second.\n"
                 "Columns (by kind): date (UT), event, separation (deg), distance from the Earth (AU; the Moon km),\n"
-                "elongation (deg), declination, distance from the Sun (AU), information. JSON keys: dateJdUT, event,\n"
-                "separationDeg, distanceAU (distanceKm), elongationDeg, declinationDeg, sunDistanceAU, info.\n",
+                "elongation (deg), declination, distance from the Sun (AU), information, and where the Moon passes within\n"
+                "1.6 deg of the body what the site (--lat, --lon, --height or the stored site) sees: the UT times the\n"
+                "body disappears and reappears, or the least topocentric separation. JSON keys: dateJdUT, bodies,\n"
+                "event, separationDeg, distanceAU (distanceKm), elongationDeg, declinationDeg, sunDistanceAU, info, site.\n",
                 RunPhenomena);
 
 ORV_CLI_COMMAND("almanac", "every event of a year: phases, seasons, apsides, conjunctions, oppositions, eclipses",

@@ -61,6 +61,7 @@ AlmanacEntry EntryOf(const AlmanacSearch& s, const PhenomenonEvent& e, const std
             a.event = e.occultation ? "Occultation of " + secondName + " by the Moon"
                                     : "Moon in conjunction with " + secondName;
             a.details = e.info;
+            if (e.siteChecked) a.details += "; at the site: " + e.siteInfo;
         } else {
             a.event = first + (e.name == "Inferior"   ? " in inferior conjunction"
                                : e.name == "Superior" ? " in superior conjunction"
@@ -116,7 +117,7 @@ AlmanacOutcome MakeAlmanac(const CObserverDoc& observer, int year, const Phenome
     // The Moon and each star: a search of its own (the star is no CPlanets body).
     const std::size_t planetSearches = searches.size();
     for (std::size_t i = 0; i < stars.size(); ++i) searches.push_back({PhenomenonKind::ConjunctionLongitude, {kBodyMoon}, 2.0});
-    const double total = static_cast<double>(searches.size());
+    std::vector<PhenomenaRequest> requests;
     for (std::size_t i = 0; i < searches.size(); ++i) {
         const AlmanacSearch& s = searches[i];
         PhenomenaRequest r;
@@ -127,12 +128,15 @@ AlmanacOutcome MakeAlmanac(const CObserverDoc& observer, int year, const Phenome
         r.jdUTStart = jdStart;
         r.durationDays = jdEnd - jdStart;
         r.stepHours = s.stepHours;
-        const auto inner = [&](double f) { return !progress || progress((static_cast<double>(i) + f) / total); };
-        const PhenomenaOutcome found = SearchPhenomena(observer, r, inner);
-        if (found.status == PhenomenaStatus::Cancelled) return {PhenomenaStatus::Cancelled, {}, false};
-        if (found.status != PhenomenaStatus::Ok) continue;  // no positions for that body in that year
-        for (const PhenomenonEvent& e : found.events)
-            out.entries.push_back(EntryOf(s, e, r.bodies.size() > 1 ? r.bodies[1].name : std::string()));
+        requests.push_back(std::move(r));
+    }
+    const std::vector<PhenomenaOutcome> found = SearchPhenomenaBatch(observer, requests, progress);
+    for (std::size_t i = 0; i < searches.size(); ++i) {
+        if (found[i].status == PhenomenaStatus::Cancelled) return {PhenomenaStatus::Cancelled, {}, false};
+        if (found[i].status != PhenomenaStatus::Ok) continue;  // no positions for that body in that year
+        const PhenomenaRequest& r = requests[i];
+        for (const PhenomenonEvent& e : found[i].events)
+            out.entries.push_back(EntryOf(searches[i], e, r.bodies.size() > 1 ? r.bodies[1].name : std::string()));
     }
 
     // The eclipses of the year from the tables (greatest eclipse, TT).

@@ -30,6 +30,7 @@
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -127,7 +128,26 @@ struct PhenomenonEvent {
     double decRad;             // the first body's apparent declination
     double sunDistanceAU;      // the first body from the Sun (perihelion, aphelion)
     std::string info;          // "Jupiter 1.2° S of the Moon", "Occultation" …
-    bool occultation = false;
+    bool occultation = false;  // geocentric: closer than the sum of the apparent radii
+
+    // The observer's site, for the Moon and a body it passes within 1.6° of
+    // (conjunctions, minimum separations, appulses): the Moon's parallax
+    // (up to 1°) moves it against the background, so what the site sees
+    // differs from the geocentre's. Times UT; NaN where there is none.
+    bool siteChecked = false;
+    // The topocentric separation fell below the sum of the topocentric
+    // apparent radii while the Moon's centre was above the horizon
+    // (refraction included).
+    bool siteOccultation = false;
+    double siteClosestJdUT = std::numeric_limits<double>::quiet_NaN();
+    double siteClosestSeparationRad = std::numeric_limits<double>::quiet_NaN();
+    // When the separation went below the sum of the radii and came back
+    // above it (disappearance and reappearance of the body's centre behind
+    // the Moon's mean limb), whatever the Moon's altitude.
+    double siteBeginJdUT = std::numeric_limits<double>::quiet_NaN();
+    double siteEndJdUT = std::numeric_limits<double>::quiet_NaN();
+    bool siteMoonUp = false;   // the Moon above the horizon at the closest approach
+    std::string siteInfo;      // "Occultation 03:10:05–04:04:20 UT", "0.4° at 03:40 UT" …
 };
 
 // Progress in [0, 1]; return false to cancel.
@@ -138,10 +158,47 @@ struct PhenomenaOutcome {
     std::vector<PhenomenonEvent> events;  // in time order
 };
 
+// The events of one pair (or one body) of a search of several.
+struct PhenomenaSection {
+    PhenomenaRequest request;
+    std::vector<PhenomenonEvent> events;
+};
+
 // The search. The observer supplies nothing but ΔT and its nutation model;
 // places are geocentric.
 PhenomenaOutcome SearchPhenomena(const CObserverDoc& observer, const PhenomenaRequest& request,
                                  const PhenomenaProgressFn& progress = {});
+
+// Several searches over one set of positions: the nodes the sampling
+// interpolates from (the Earth, the bodies, the rotation to the equator of
+// date) are computed once for all of them. One outcome per request, in its
+// order; when cancelled every outcome says so.
+std::vector<PhenomenaOutcome> SearchPhenomenaBatch(const CObserverDoc& observer,
+                                                   const std::vector<PhenomenaRequest>& requests,
+                                                   const PhenomenaProgressFn& progress = {});
+
+// The searches of a request over several bodies: for a two-body kind each
+// of `first` against each of `second` (a body against itself, and a pair
+// met the second time the other way round, left out); for a one-body kind
+// each of `first`; for the kinds without bodies the one search. The kind
+// and span are `base`'s.
+std::vector<PhenomenaRequest> PhenomenaPairs(const PhenomenaRequest& base, const std::vector<PhenomenonBody>& first,
+                                             const std::vector<PhenomenonBody>& second);
+
+// The planets Mercury … Pluto without the Earth, as "every planet" means.
+std::vector<PhenomenonBody> AllPlanetBodies();
+
+// The searches of PhenomenaPairs run as a batch, made into sections: with
+// several searches, those that found nothing or had no positions are left
+// out. Status: Ok when any search ran; otherwise the first search's.
+struct PhenomenaBatchOutcome {
+    PhenomenaStatus status = PhenomenaStatus::Ok;
+    std::vector<PhenomenaSection> sections;
+    std::size_t eventCount = 0;
+};
+PhenomenaBatchOutcome SearchPhenomenaSections(const CObserverDoc& observer,
+                                              const std::vector<PhenomenaRequest>& requests,
+                                              const PhenomenaProgressFn& progress = {});
 
 // The result section title: the heading, then the bodies ("Conjunction in
 // longitude between Venus and Jupiter", "Stationary points of Mars in RA").
@@ -151,7 +208,16 @@ std::string PhenomenaTitle(const PhenomenaRequest& request);
 // the kind's columns: separation ("%.1lf" degrees), distance ("%.4lf" AU,
 // "%.0lf" km for the Earth–Moon distance), elongation ("%.1lf"),
 // declination ("%c%02d %02d'"), the distance from the Sun, information.
+//
+// The text report (Save as text, Copy) is the search's own: each section's
+// title and a blank line ("%s\n\n"), then each event on a line followed by
+// a blank line ("%s\r\n\r\n").
 ResultTable MakePhenomenaTable(const PhenomenaRequest& request, const std::vector<PhenomenonEvent>& events);
+
+// Several sections in one table: with more than one, the title is the
+// kind's heading alone, a "Bodies" column names each row's bodies, and
+// separator rows part the sections; the report gives each section its title.
+ResultTable MakePhenomenaTable(const std::vector<PhenomenaSection>& sections);
 
 // "%5d %s %02d %02d:%02d" for a UT Julian date.
 std::string FormatPhenomenonDate(double jdUT);

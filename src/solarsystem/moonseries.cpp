@@ -34,7 +34,9 @@ double SumTable(std::span<const std::uint8_t> block, const MoonTableLayout& tabl
         double argument = LoadLE<double>(p + 8) + LoadLE<double>(p + 16) * t;
         if (table.columns == 6)
             argument += LoadLE<double>(p + 24) * t2 + LoadLE<double>(p + 32) * t3 + LoadLE<double>(p + 40) * t4;
-        argument = Mod360(argument) * kDegToRad;
+        // Reduced by floor rather than fmod: the same turn, at a fraction of
+        // the cost (the reduction was a third of an evaluation).
+        argument = (argument - 360.0 * std::floor(argument * (1.0 / 360.0))) * kDegToRad;
         sum += a * (cosine ? std::cos(argument) : std::sin(argument));
     }
     return sum;

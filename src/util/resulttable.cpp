@@ -106,6 +106,7 @@ std::vector<std::size_t> RowsSortedBy(const ResultTable& table, std::size_t colu
 
 std::string ReportText(const ResultTable& table, LineEnding ending, RowOrder order)
 {
+    if (table.reportWriter) return table.reportWriter(table, ending, order);
     const char* eol = ending == LineEnding::CrLf ? "\r\n" : "\n";
     std::string text = table.title + eol + eol;
     if (table.reportHeadings == HeadingLine::Include) {

@@ -19,6 +19,7 @@
 
 #include <compare>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -70,6 +71,14 @@ struct ResultRow {
 // title (the visible-star list does, the satellite tables do not).
 enum class HeadingLine { Omit, Include };
 
+enum class LineEnding;
+struct ResultTable;
+
+// A text report a table writes in a layout of its own (the phenomena
+// search's sections): given the table, the line ending asked for and the
+// row order shown.
+using ReportWriterFn = std::function<std::string(const ResultTable&, LineEnding, std::span<const std::size_t>)>;
+
 struct ResultTable {
     std::string title;
     std::vector<ResultColumn> columns;
@@ -78,6 +87,8 @@ struct ResultTable {
     // The time scale of the date columns, the data table's TIMEBASE: "UT", or
     // a civil time as its offset from UT, "UT-4", "UT+5:30". Empty: none.
     std::string timeBase;
+    // Empty: the shared report layout below (ReportText).
+    ReportWriterFn reportWriter;
 
     const ResultCell& Cell(std::size_t row, std::size_t column) const;
 };

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QComboBox>
+#include <QDateEdit>
 #include <QDoubleSpinBox>
 #include <QTableView>
 
@@ -65,4 +66,31 @@ TEST(PhenomenaWindows, SearchFillsThePanel)
     EXPECT_GE(rows, 7);
     EXPECT_LE(rows, 9);
     EXPECT_EQ(dialog.Panel()->Table().title, "Phases of the Moon");
+}
+
+TEST(PhenomenaWindows, AllPlanetsAgainstTheSun)
+{
+    CPlanets planets;
+    CObserverDoc site;
+    double ra = 0.0, dec = 0.0;
+    if (planets.ApparentPosition(site, kBodySun, 2451545.0, ra, dec, PlaceCentre::Geocentric) != PositionStatus::Ok)
+        GTEST_SKIP() << "no planetary ephemeris in the data folder; tools/build-data.sh builds it";
+    CMemorySettingsStore settings;
+    CAppContext context{settings};
+    CPhenomenaDialog dialog(site, context);
+    const auto boxes = dialog.findChildren<QComboBox*>();
+    ASSERT_EQ(boxes.size(), 3);
+    boxes[0]->setCurrentIndex(boxes[0]->findData(static_cast<int>(PhenomenonKind::OppositionLongitude)));
+    boxes[1]->setCurrentIndex(boxes[1]->findData(kPhenomenaChoiceAllPlanets));
+    boxes[2]->setCurrentIndex(boxes[2]->findData(kBodySun));
+    dialog.findChild<QDateEdit*>()->setDate(QDate(2023, 1, 1));
+    ASSERT_TRUE(dialog.Search());
+    // One section a planet that comes to opposition within the year, a
+    // bodies column naming the pair, and the report's sections titled.
+    const ResultTable& t = dialog.Panel()->Table();
+    EXPECT_EQ(t.title, "Opposition in longitude between");
+    ASSERT_GE(t.columns.size(), 2u);
+    EXPECT_EQ(t.columns[1].heading, "Bodies");
+    const std::string report = ReportText(t, LineEnding::Lf);
+    EXPECT_NE(report.find("Opposition in longitude between Jupiter and Sun\n\n"), std::string::npos) << report;
 }

@@ -45,6 +45,10 @@ def cases(work, tle):
           "--days", "30"], ["--days", "--step"]),
         (["phenomena", "--kind", "moon-phases", "--from", "2025-01-01", "--days", "30", "--step", "6"],
          ["--days", "--step"]),
+        (["phenomena", "--kind", "appulse", "--body", "Moon", "--body", "planets", "--from", "2025-01-01",
+          "--days", "30"], ["--days", "--step", "--lat", "--lon", "--height"]),
+        (["phenomena", "--kind", "stationary", "--body", "Mars,Jupiter", "--from", "2025-01-01", "--days", "30"],
+         ["--days", "--step"]),
         (["almanac", "2025"], ["--lat", "--zone"]),
         (["eclipse", "2024-04-08", "--map", os.path.join(work, "eclipse.png")], ["--width", "--height-px"]),
     ]
