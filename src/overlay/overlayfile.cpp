@@ -457,7 +457,7 @@ COverlay ParseOverlayText(const std::string& text, const std::string& name)
 
 void IndexOverlayBlocks(COverlay& o)
 {
-    constexpr std::size_t kBlockCommands = 256;
+    constexpr std::size_t kBlockCommands = 32;
     constexpr double kMaxRadiusRad = 40.0 * 3.14159265358979323846 / 180.0;
     o.blocks.clear();
     const std::size_t n = o.commands.size();

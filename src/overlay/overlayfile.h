@@ -118,7 +118,7 @@ public:
     std::map<std::string, OverlayColour> colours;  // defined by the file (lower case)
     std::vector<OverlayDiagnostic> diagnostics;
     OverlayBounds bounds;
-    // Runs of at most 256 moves and draws, in command order.
+    // Runs of at most 32 moves and draws, in command order.
     std::vector<OverlayBlock> blocks;
     std::string path;
     bool opened = false;
