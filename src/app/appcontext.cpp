@@ -75,28 +75,13 @@ void CAppContext::SetShowSearchTarget(bool show)
     emit DisplayOptionsChanged();
 }
 
-QString CAppContext::DefaultMapFile() const
-{
-    const std::string stored = m_settings.GetString("Paths", "MainFile", "");
-    if (!stored.empty()) return QString::fromStdString(stored);
-    if (const auto* qt = dynamic_cast<const CQtSettingsStore*>(&m_settings))
-        return QFileInfo(QString::fromStdString(qt->FileName())).absolutePath() + QStringLiteral("/Default.ovm");
-    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + QStringLiteral("/Default.ovm");
-}
+QString CAppContext::DefaultMapFile() const { return QString::fromStdString(DefaultMapFilePath(m_settings)); }
 
-QString CAppContext::UserOverlayListFile() const
-{
-    return QFileInfo(DefaultMapFile()).absolutePath() + QStringLiteral("/overlay.dat");
-}
+QString CAppContext::UserOverlayListFile() const { return QString::fromStdString(UserOverlayListPath(m_settings)); }
 
 void CAppContext::LoadOverlayList()
 {
-    std::vector<OverlayListEntry> entries;
-    const std::string user = UserOverlayListFile().toStdString();
-    std::string shipped;
-    if (ReadOverlayList(user, entries).ok || (LocateDataFile("overlay.dat", shipped) && ReadOverlayList(shipped, entries).ok))
-        m_overlays->entries = std::move(entries);
-    ++m_overlays->generation;
+    LoadStartupOverlayList(*m_overlays, UserOverlayListPath(m_settings));
 }
 
 QString CAppContext::SaveOverlayList()

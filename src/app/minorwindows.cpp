@@ -558,7 +558,8 @@ void CMinorCatalogDialog::done(int result)
 // ------------------------------------------------------------ settings
 
 CMinorSettingsDialog::CMinorSettingsDialog(const CAsteroidCatalogSettings& a, const CCometCatalogSettings& c,
-                                           const CBodyDisplay& ad, const CBodyDisplay& cd, QWidget* parent)
+                                           const CBodyDisplay& ad, const CBodyDisplay& cd, QWidget* parent,
+                                           CSettingsStore* defaults)
     : QDialog(parent), asteroids(a), comets(c), asteroidDisplay(ad), cometDisplay(cd)
 {
     setWindowTitle(tr("Comets and Asteroids"));
@@ -665,12 +666,28 @@ CMinorSettingsDialog::CMinorSettingsDialog(const CAsteroidCatalogSettings& a, co
         store(ak, asteroidDisplay);
         store(ck, cometDisplay);
     };
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    // OK keeps the pages for this map; "Save as Defaults" also makes them
+    // what new maps start with (the sections "Asteroid", "Comet" and the
+    // catalogue filters' keys).
+    QDialogButtonBox* buttons = nullptr;
+    if (defaults != nullptr) {
+        buttons = OkCancelSaveDefaults(this, [this, apply, defaults] {
+            apply();
+            asteroids.Save(*defaults);
+            comets.Save(*defaults);
+            asteroidDisplay.Save(*defaults);
+            cometDisplay.Save(*defaults);
+            defaults->Flush();
+        });
+    } else {
+        buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+        connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    }
+    disconnect(buttons, &QDialogButtonBox::accepted, nullptr, nullptr);
     connect(buttons, &QDialogButtonBox::accepted, this, [this, apply] {
         apply();
         accept();
     });
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     layout->addWidget(buttons);
 }
 
@@ -831,7 +848,8 @@ void CMinorCommands::Options()
 {
     CMapWindow* w = m_activeMap();
     if (w == nullptr) return;
-    CMinorSettingsDialog dialog(w->Doc().asteroids, w->Doc().comets, w->View().asteroids, w->View().comets, m_frame);
+    CMinorSettingsDialog dialog(w->Doc().asteroids, w->Doc().comets, w->View().asteroids, w->View().comets, m_frame,
+                                &m_app.Settings());
     if (dialog.exec() != QDialog::Accepted) return;
     w->Doc().asteroids = dialog.asteroids;
     w->Doc().comets = dialog.comets;

@@ -27,6 +27,7 @@ namespace orv {
 
 class CAppContext;
 class CMapWindow;
+class CSettingsStore;
 
 // The entries of one catalogue that match the search text, as a table.
 class CMinorCatalogModel : public QAbstractTableModel {
@@ -116,8 +117,10 @@ private:
 class CMinorSettingsDialog : public QDialog {
     Q_OBJECT
 public:
+    // With `defaults`, a "Save as Defaults" button writes the pages there.
     CMinorSettingsDialog(const CAsteroidCatalogSettings& asteroids, const CCometCatalogSettings& comets,
-                         const CBodyDisplay& asteroidDisplay, const CBodyDisplay& cometDisplay, QWidget* parent = nullptr);
+                         const CBodyDisplay& asteroidDisplay, const CBodyDisplay& cometDisplay, QWidget* parent = nullptr,
+                         CSettingsStore* defaults = nullptr);
     CAsteroidCatalogSettings asteroids;
     CCometCatalogSettings comets;
     CBodyDisplay asteroidDisplay;

@@ -202,6 +202,7 @@ bool CEphemerisDialog::Compute()
     SpanJulianDates(m_site, c, request.jdUTFrom, request.jdUTTo);
     request.stepDays = c.stepDays;
     request.centre = c.topocentric ? PlaceCentre::Topocentric : PlaceCentre::Geocentric;
+    request.horizon = m_horizon;
     std::vector<EphemerisRow> rows;
     const QString name = QString::fromLatin1(BodyName(c.body).data(), static_cast<int>(BodyName(c.body).size()));
     const ProgressFn progress = m_panel->BeginProgress(tr("Computing the ephemeris of %1...").arg(name));
@@ -211,7 +212,9 @@ bool CEphemerisDialog::Compute()
         QMessageBox::warning(this, QApplication::applicationName(), ToQ(EphemerisStatusMessage(status, c.body)));
         return false;
     }
-    m_panel->SetTable(MakeEphemerisTable(c.body, rows, m_site.LocalOffsetHours(), m_site.SiteName()));
+    ResultTable table = MakeEphemerisTable(c.body, rows, m_site.LocalOffsetHours(), m_site.SiteName());
+    if (m_horizon) table.title += " (rise and set over the local horizon)";
+    m_panel->SetTable(std::move(table));
     m_message->setText(status == EphemerisStatus::Cancelled ? tr("Cancelled: %1 rows computed").arg(rows.size())
                                                             : tr("%1 rows").arg(rows.size()));
     return status == EphemerisStatus::Ok;
@@ -220,6 +223,8 @@ bool CEphemerisDialog::Compute()
 void ShowEphemeris(QWidget* parent, CMapWindow& window, CAppContext& app)
 {
     auto* dialog = new CEphemerisDialog(window.Doc().observer, app, parent);
+    if (window.Doc().horizon.useForEvents != 0)
+        dialog->SetHorizon(std::make_shared<const HorizonProfile>(window.Doc().horizon.altitudeDeg));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->show();
 }

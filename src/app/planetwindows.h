@@ -66,10 +66,14 @@ public:
     // the request is refused or cancelled.
     bool Compute();
     CResultTablePanel* Panel() const { return m_panel; }
+    // Rise and set over this horizon profile (the map's, when its horizon
+    // is to be used for events); none: the mathematical horizon.
+    void SetHorizon(std::shared_ptr<const HorizonProfile> horizon) { m_horizon = std::move(horizon); }
 
 private:
     CObserverDoc m_site;
     CAppContext& m_app;
+    std::shared_ptr<const HorizonProfile> m_horizon;
     QComboBox* m_body = nullptr;
     QDateEdit* m_from = nullptr;
     QDateEdit* m_to = nullptr;

@@ -1,6 +1,8 @@
 #include "app/qtsettingsstore.h"
 
+#include <QFileInfo>
 #include <QSettings>
+#include <QStandardPaths>
 #include <QString>
 #include <QVariant>
 
@@ -61,5 +63,23 @@ void CQtSettingsStore::WriteString(std::string_view section, std::string_view ke
 void CQtSettingsStore::Flush() { m_settings->sync(); }
 
 std::string CQtSettingsStore::FileName() const { return m_settings->fileName().toStdString(); }
+
+std::string DefaultMapFilePath(const CSettingsStore& settings)
+{
+    const std::string stored = settings.GetString("Paths", "MainFile", "");
+    if (!stored.empty()) return stored;
+    if (const auto* qt = dynamic_cast<const CQtSettingsStore*>(&settings))
+        return (QFileInfo(QString::fromStdString(qt->FileName())).absolutePath() + QStringLiteral("/Default.ovm"))
+            .toStdString();
+    return (QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + QStringLiteral("/Default.ovm"))
+        .toStdString();
+}
+
+std::string UserOverlayListPath(const CSettingsStore& settings)
+{
+    return (QFileInfo(QString::fromStdString(DefaultMapFilePath(settings))).absolutePath() +
+            QStringLiteral("/overlay.dat"))
+        .toStdString();
+}
 
 }  // namespace orv

@@ -33,4 +33,11 @@ private:
     std::unique_ptr<QSettings> m_settings;
 };
 
+// The default map file: "Paths", "MainFile" when set, else "Default.ovm"
+// beside the settings file (or in the user's configuration folder for a
+// store that is not a file). The program and the command line agree on it.
+std::string DefaultMapFilePath(const CSettingsStore& settings);
+// The user's list of map overlays, "overlay.dat" beside the default map file.
+std::string UserOverlayListPath(const CSettingsStore& settings);
+
 }  // namespace orv

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <iostream>
 
+#include "app/qtsettingsstore.h"
 #include "catalog/stars/starsource.h"
 #include "cli/chartassembly.h"
 #include "cli/cli.h"
@@ -86,7 +87,7 @@ int Render(Context& ctx)
     if (ctx.args.Has("list-formats")) return ListFormats(ctx);
     const auto known = OptionNames({&kSiteOptionNames, &kTimeOptionNames, &kMapOptionNames},
                                    {"out", "width", "height", "dpi", "scheme", "mono", "quality", "list-formats",
-                                    "rotate", "flip", "overlay", "horizon"});
+                                    "rotate", "flip", "overlay", "no-overlays", "horizon"});
     if (const auto unknown = ctx.args.Unknown(known); !unknown.empty())
         return UsageError(ctx, "unknown option --" + unknown.front());
     const std::string out = ctx.args.Get("out").value_or("");
@@ -150,6 +151,9 @@ int Render(Context& ctx)
         if (!h.message.empty()) ctx.err << "orvane-cli: warning: " << h.message << '\n';
         doc.horizon.fileName = *hzn;
     }
+    // The user's overlay list, as the program draws it: its active entries
+    // (and those whose range of levels holds the chart's level).
+    if (!ctx.args.Has("no-overlays")) LoadStartupOverlayList(OverlayStore(), UserOverlayListPath(ctx.settings));
     if (auto overlay = ctx.args.Get("overlay")) {
         const COverlay o = ParseOverlayFile(*overlay);
         if (!o.opened) return Fail(ctx, "Unable to open file\n\"" + *overlay + "\"");
@@ -207,7 +211,9 @@ constexpr const char* kRenderUsage =
     "  --mono                monochrome\n"
     "  --quality Q           JPEG quality 1-100 (default 90)\n"
     "  --rotate DEG          rotate the chart; --flip h|v|hv mirrors it\n"
-    "  --overlay FILE        draw a map overlay file (docs/overlay-files.md) over the sky\n"
+    "  --overlay FILE        draw a map overlay file (docs/overlay-files.md) over the sky, besides the\n"
+    "                        active overlays of the user's list \"overlay.dat\"\n"
+    "  --no-overlays         leave out the overlays of the user's list (--overlay files are still drawn)\n"
     "  --horizon FILE.hzn    the horizon profile drawn on alt-azimuth charts (instead of the map's)\n"
     ORV_CLI_MAP_OPTIONS_USAGE
     "  --list-formats        list the formats that can be written";

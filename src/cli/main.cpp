@@ -141,7 +141,8 @@ int main(int argc, char** argv)
     static const std::vector<std::string> kFlags{"json", "help", "all", "visible", "catalogue-only", "utc",
                                                  "apparent", "alt-az", "night", "no-refraction", "yes",
                                                  "no-age-check", "orbit", "any", "no-min-alt", "full", "summary",
-                                                 "mono", "list-formats", "csv", "topocentric", "solar", "lunar"};
+                                                 "mono", "list-formats", "csv", "topocentric", "solar", "lunar",
+                                                 "no-overlays"};
     orv::cli::CArgs args(words, kFlags);
     std::string settingsPath = args.Get("settings").value_or("");
     if (auto data = args.Get("data")) setenv("ORVANE_DATA", data->c_str(), 1);

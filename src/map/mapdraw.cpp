@@ -57,6 +57,8 @@ void CChartRenderer::Draw(const DrawSurface& surface, const CMapView& view, cons
     CChartScene& scene = window ? m_impl->windowScene : m_impl->otherScene;
     scene.Begin({observer.JulianDate(), observer.JulianDateTDT(), view.Level(), s.widthPx, s.heightPx,
                  observer.LatitudeRad(), observer.LongitudeRad(), observer.HeightM(), observer.LocalOffsetHours(), true});
+    if (view.Doc().horizon.useForEvents != 0)
+        scene.SetHorizon(std::make_shared<const HorizonProfile>(view.Doc().horizon.altitudeDeg));
     m_impl->lastWasWindow = window;
 
     if (view.Level() != m_impl->lastLevel) {

@@ -13,6 +13,7 @@ namespace orv {
 void CChartScene::Begin(const Header& header)
 {
     m_header = header;
+    m_horizon.reset();
     m_valid = true;
     m_objects.clear();
     std::fill(m_styles.begin(), m_styles.end(), 0u);
@@ -151,6 +152,7 @@ std::optional<ObjectDescription> CSkyObjectRegistry::Describe(const SceneObject&
     req.longitudeRad = scene.Info().longitudeRad;
     req.heightM = scene.Info().siteHeightM;
     req.localOffsetHours = scene.Info().localOffsetHours;
+    req.horizon = scene.Horizon();
     return s->Describe(object.key, req);
 }
 

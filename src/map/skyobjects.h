@@ -26,6 +26,7 @@
 #include <string_view>
 #include <vector>
 
+#include "map/horizonprofile.h"
 #include "util/objecttype.h"
 
 namespace orv {
@@ -77,6 +78,11 @@ public:
     // memory kept for the next draw), every source's style word cleared.
     void Begin(const Header& header);
     const Header& Info() const { return m_header; }
+    // The observer's own horizon when rise and set are to be taken over it
+    // (the horizon setting "UseForEvents"); none (Begin clears it): the
+    // mathematical horizon.
+    void SetHorizon(std::shared_ptr<const HorizonProfile> horizon) { m_horizon = std::move(horizon); }
+    const std::shared_ptr<const HorizonProfile>& Horizon() const { return m_horizon; }
     bool Valid() const { return m_valid; }
     void Invalidate();
 
@@ -97,6 +103,7 @@ public:
 
 private:
     Header m_header;
+    std::shared_ptr<const HorizonProfile> m_horizon;
     bool m_valid = false;
     std::vector<SceneObject> m_objects;
     std::vector<std::uint32_t> m_styles;  // by source
@@ -128,6 +135,9 @@ struct DescribeRequest {
     double longitudeRad = 0.0;  // east positive
     double heightM = 0.0;
     double localOffsetHours = 0.0;
+    // Rise and set over this horizon profile when given (the trees and roofs
+    // of the site), else over the mathematical horizon.
+    std::shared_ptr<const HorizonProfile> horizon;
 };
 
 // The identify read-out of one object.

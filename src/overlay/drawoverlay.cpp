@@ -73,7 +73,11 @@ public:
         m_cosMargin = std::cos(m_marginRad);
         const double pad = 4.0;
         m_x0 = -pad, m_y0 = -pad, m_x1 = ctx.Width() + pad, m_y1 = ctx.Height() + pad;
-        if (ctx.frame.IsHorizontal()) BuildRefractionTable();
+        if (ctx.frame.IsHorizontal()) {
+            BuildRefractionTable();
+            m_refractionMarginRad = 1.0 * kRadPerDeg;  // refraction lifts by 0.6° at most
+        }
+        if (!ctx.IsVectorLike()) m_mergePx = 0.5;
     }
 
     std::size_t Draw(const COverlay& o)
@@ -86,7 +90,22 @@ public:
         int align = kOverlayAlignCentre;
         Point prev;
         bool havePrev = false;
-        for (const OverlayCommand& c : o.commands) {
+        std::size_t nextBlock = 0;
+        for (std::size_t ci = 0; ci < o.commands.size(); ++ci) {
+            const OverlayCommand& c = o.commands[ci];
+            // A run of moves and draws whose cap lies wholly beyond the
+            // visible field is passed over: only its last point is brought
+            // to the chart, as the start of a draw that may follow.
+            if (nextBlock < o.blocks.size() && o.blocks[nextBlock].firstCommand == ci) {
+                const OverlayBlock& b = o.blocks[nextBlock++];
+                if (OutOfView(b)) {
+                    PenUp();
+                    prev = Transform(o, o.commands[b.endCommand - 1]);
+                    havePrev = true;
+                    ci = b.endCommand - 1;
+                    continue;
+                }
+            }
             switch (c.op) {
             case OverlayOp::SelectLine:
                 Flush();
@@ -104,7 +123,7 @@ public:
                 break;
             case OverlayOp::TextAlign: align = static_cast<int>(c.index); break;
             case OverlayOp::Move:
-                Flush();
+                PenUp();  // a new polyline, stroked with the others of this line style
                 prev = Transform(o, c);
                 havePrev = true;
                 break;
@@ -185,6 +204,18 @@ private:
         return r;
     }
 
+    // Whether a block's cap lies wholly outside the cap of the chart's
+    // visible field (widened by the most refraction can lift a point).
+    bool OutOfView(const OverlayBlock& b) const
+    {
+        if (!(b.radiusRad < 1.0)) return false;
+        const double(*m)[3] = b.frame == OverlayFrame::J2000 ? m_fromJ2000 : m_fromMapEpoch;
+        double v[3];
+        for (int i = 0; i < 3; ++i) v[i] = m[i][0] * b.centre[0] + m[i][1] * b.centre[1] + m[i][2] * b.centre[2];
+        const double fromCentre = std::acos(std::clamp(m_ctx.frame.CosFromCentre(v), -1.0, 1.0));
+        return fromCentre - b.radiusRad > m_capRad + m_refractionMarginRad;
+    }
+
     Point Transform(const COverlay& o, const OverlayCommand& c) const
     {
         const double* q = &o.points[3 * static_cast<std::size_t>(c.index)];
@@ -203,13 +234,24 @@ private:
                 PenUp();
                 return;
             }
+            ++m_segments;
             if (aClipped || !m_penDown) {
                 PenUp();
                 m_curve.polylines.push_back({sa});
                 m_penDown = true;
+            } else if (m_mergePx > 0.0 && !bClipped) {
+                // A step that stays within the pixel of the last point kept
+                // adds nothing a raster can show: it is held back, and only
+                // the polyline's last point is kept when the pen lifts.
+                const ScreenPoint& last = m_curve.polylines.back().back();
+                if (std::fabs(sb.x - last.x) < m_mergePx && std::fabs(sb.y - last.y) < m_mergePx) {
+                    m_heldPoint = sb;
+                    m_holding = true;
+                    return;
+                }
             }
+            m_holding = false;
             m_curve.polylines.back().push_back(sb);
-            ++m_segments;
             if (bClipped) PenUp();
             return;
         }
@@ -246,13 +288,18 @@ private:
         Segment(m, b, depth + 1);
     }
 
-    void PenUp() { m_penDown = false; }
+    void PenUp()
+    {
+        if (m_holding && m_penDown) m_curve.polylines.back().push_back(m_heldPoint);
+        m_holding = false;
+        m_penDown = false;
+    }
 
     void Flush()
     {
+        PenUp();
         if (!m_curve.polylines.empty()) StrokePolylines(m_ctx.painter, m_curve);
         m_curve.polylines.clear();
-        m_penDown = false;
     }
 
     void SetLine(const OverlayLine& l)
@@ -291,6 +338,12 @@ private:
     double m_refrZ0 = 0.0, m_refrStep = 1.0;
     TracedCurve m_curve;
     bool m_penDown = false;
+    // Sub-pixel steps on raster surfaces (none on printers and vector files,
+    // whose resolution is not the chart's pixels).
+    double m_mergePx = 0.0;
+    double m_refractionMarginRad = 0.0;
+    ScreenPoint m_heldPoint;
+    bool m_holding = false;
     std::size_t m_segments = 0;
 };
 

@@ -11,6 +11,7 @@
 
 #include "util/angles.h"
 #include "util/atomicfile.h"
+#include "util/datapath.h"
 
 namespace orv {
 
@@ -450,7 +451,66 @@ COverlay ParseOverlayText(const std::string& text, const std::string& name)
     std::string line;
     int lineNo = 0;
     while (std::getline(in, line)) parser.Line(line, ++lineNo);
+    IndexOverlayBlocks(out);
     return out;
+}
+
+void IndexOverlayBlocks(COverlay& o)
+{
+    constexpr std::size_t kBlockCommands = 32;
+    constexpr double kMaxRadiusRad = 40.0 * 3.14159265358979323846 / 180.0;
+    o.blocks.clear();
+    const std::size_t n = o.commands.size();
+    auto isPoint = [&](std::size_t i) {
+        return o.commands[i].op == OverlayOp::Move || o.commands[i].op == OverlayOp::Draw;
+    };
+    auto point = [&](std::size_t i) { return &o.points[3 * static_cast<std::size_t>(o.commands[i].index)]; };
+    std::size_t i = 0;
+    while (i < n) {
+        if (!isPoint(i)) {
+            ++i;
+            continue;
+        }
+        OverlayBlock b;
+        b.firstCommand = static_cast<std::uint32_t>(i);
+        b.frame = o.commands[i].frame;
+        std::size_t end = i;
+        while (end < n && end - i < kBlockCommands && isPoint(end) && o.commands[end].frame == b.frame) ++end;
+        b.endCommand = static_cast<std::uint32_t>(end);
+        // The point a leading draw starts from: the last point command before
+        // the run (texts and styles do not move the pen).
+        std::optional<std::size_t> from;
+        if (o.commands[i].op == OverlayOp::Draw) {
+            for (std::size_t k = i; k-- > 0;)
+                if (isPoint(k)) {
+                    from = k;
+                    break;
+                }
+        }
+        bool cullable = !from || o.commands[*from].frame == b.frame;
+        double c[3] = {0.0, 0.0, 0.0};
+        auto add = [&](const double* q) {
+            for (int j = 0; j < 3; ++j) c[j] += q[j];
+        };
+        for (std::size_t k = i; k < end; ++k) add(point(k));
+        if (from) add(point(*from));
+        const double norm = std::sqrt(c[0] * c[0] + c[1] * c[1] + c[2] * c[2]);
+        if (cullable && norm > 1e-9) {
+            for (double& x : c) x /= norm;
+            double minCos = 1.0;
+            auto widen = [&](const double* q) { minCos = std::min(minCos, c[0] * q[0] + c[1] * q[1] + c[2] * q[2]); };
+            for (std::size_t k = i; k < end; ++k) widen(point(k));
+            if (from) widen(point(*from));
+            const double radius = std::acos(std::clamp(minCos, -1.0, 1.0));
+            if (radius <= kMaxRadiusRad) {
+                for (int j = 0; j < 3; ++j) b.centre[j] = c[j];
+                // A hair more for the rounding of the points' vectors.
+                b.radiusRad = radius + 1e-9;
+            }
+        }
+        o.blocks.push_back(b);
+        i = end;
+    }
 }
 
 COverlay ParseOverlayFile(const std::string& path)
@@ -531,6 +591,17 @@ std::shared_ptr<const COverlay> COverlayStore::Get(const std::string& path)
     c.time = ec ? std::filesystem::file_time_type{} : time;
     c.size = size;
     return c.overlay;
+}
+
+bool LoadStartupOverlayList(COverlayStore& store, const std::string& userListPath)
+{
+    std::vector<OverlayListEntry> entries;
+    std::string shipped;
+    const bool read = (!userListPath.empty() && ReadOverlayList(userListPath, entries).ok) ||
+                      (LocateDataFile("overlay.dat", shipped) && ReadOverlayList(shipped, entries).ok);
+    store.entries = std::move(entries);
+    ++store.generation;
+    return read;
 }
 
 }  // namespace orv

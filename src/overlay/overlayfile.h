@@ -94,6 +94,20 @@ struct OverlayBounds {
     double raMinRad = 0.0, raMaxRad = 0.0, decMinRad = 0.0, decMaxRad = 0.0;
 };
 
+// A run of consecutive moves and draws of one frame, for culling at draw
+// time: commands [firstCommand, endCommand) and a cap of the sphere (centre
+// unit vector in the run's frame, angular radius) that holds every point of
+// the run and the point its first draw starts from. The cap is at most 80°
+// across, so every great-circle arc between two of its points stays inside
+// it; a run that does not fit has no cap (radiusRad = π) and is never culled.
+struct OverlayBlock {
+    std::uint32_t firstCommand = 0;
+    std::uint32_t endCommand = 0;
+    OverlayFrame frame = OverlayFrame::MapEpoch;
+    double centre[3] = {0.0, 0.0, 1.0};
+    double radiusRad = 3.14159265358979323846;
+};
+
 class COverlay {
 public:
     std::vector<OverlayCommand> commands;
@@ -104,6 +118,8 @@ public:
     std::map<std::string, OverlayColour> colours;  // defined by the file (lower case)
     std::vector<OverlayDiagnostic> diagnostics;
     OverlayBounds bounds;
+    // Runs of at most 32 moves and draws, in command order.
+    std::vector<OverlayBlock> blocks;
     std::string path;
     bool opened = false;
 
@@ -111,6 +127,9 @@ public:
     std::size_t TextCount() const { return texts.size(); }
     std::size_t ErrorCount() const;
 };
+
+// Cuts the display list into culling blocks (done by the parsers).
+void IndexOverlayBlocks(COverlay& overlay);
 
 // Parses an overlay file; a file that cannot be opened gives an empty
 // overlay (opened false) without diagnostics.
@@ -174,5 +193,11 @@ private:
     };
     std::map<std::string, Cached> m_cache;
 };
+
+// The list a program starts with: the user's list at `userListPath` when it
+// can be read, else the list that comes with the program ("overlay.dat" in
+// the data folders), else none. Replaces the store's entries and bumps its
+// generation; false when neither list was read.
+bool LoadStartupOverlayList(COverlayStore& store, const std::string& userListPath);
 
 }  // namespace orv

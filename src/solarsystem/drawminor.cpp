@@ -261,7 +261,7 @@ void CMinorLayer::Draw(DrawContext& ctx, LayerSlot)
     p.setRenderHint(QPainter::Antialiasing, true);
     const double W = ctx.Width(), H = ctx.Height();
     const bool solidGround = ctx.view.altAzGrid.solidHorizon != 0;
-    const CGroundTest ground(ctx.frame);
+    const CGroundTest ground(ctx.frame, ctx.doc);
     const StarSizeScale starScale{ctx.view.starState.magLimit, ctx.view.starState.magBright, ctx.doc.stars.starRadBright,
                                   ctx.doc.stars.starRadFaint};
     const QFontMetricsF fm(ctx.fonts.label);

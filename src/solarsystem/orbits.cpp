@@ -16,6 +16,10 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kCosObliquityJ2000 = 0.91748206;
 constexpr double kSinObliquityJ2000 = 0.39777716;
 constexpr int kMaxIterations = 200;
+// The classical iterations' stopping rule and their caps (see the solvers).
+constexpr double kKeplerToleranceRad = 1e-8;
+constexpr int kKeplerIterations = 50;
+constexpr int kBarkerIterations = 100;
 
 // x − sin x without cancellation: the series below |x| = 0.5 (its terms fall
 // by 1/40 at least, so 9 terms reach 1e-17 relative), the difference above.
@@ -78,17 +82,41 @@ std::optional<double> SolveKeplerElliptic(double meanAnomalyRad, double e)
     const double sign = m < 0.0 ? -1.0 : 1.0;
     m = std::fabs(m);
     if (m == 0.0) return turns * kTwoPi;
-    // f(E) = (1 − e)E + e(E − sin E) − M, increasing and convex on [0, π];
-    // the root lies in [M, min(π, M + e)].
+    // f(E) = E − e sin E − M written as (1 − e)E + e(E − sin E) − M, and
+    // f'(E) = 1 − e cos E as (1 − e) + 2e sin²(E/2): the same numbers without
+    // the cancellation that costs digits as e approaches 1.
     const double oneMinusE = 1.0 - e;
     auto f = [&](double x) { return oneMinusE * x + e * XMinusSin(x) - m; };
     auto df = [&](double x) {
         const double s = std::sin(0.5 * x);
-        return oneMinusE + 2.0 * e * s * s;  // 1 − e cos E, cancellation-free
+        return oneMinusE + 2.0 * e * s * s;
     };
-    const std::optional<double> E = NewtonFromAbove(m, std::min(kPi, m + e), f, df);
-    if (!E) return std::nullopt;
-    return sign * *E + turns * kTwoPi;
+    // The classical iteration: Newton's step ΔE = (M + e sin E − E)/(1 − e cos E)
+    // from E = M, repeated while |ΔE| ≥ 1e-8 rad (2 mas; the error left after
+    // the last step is about ΔE², far below that). It converges in a few
+    // steps for every orbit of the catalogues; for e near 1 and small M its
+    // first steps can wander, so it is given kKeplerIterations steps and,
+    // should it not settle (or leave finite numbers), the bracketed solver
+    // below takes over, which cannot fail to converge.
+    double E = m;
+    for (int i = 0; i < kKeplerIterations; ++i) {
+        const double dE = -f(E) / df(E);
+        if (!std::isfinite(dE)) break;
+        E += dE;
+        if (std::fabs(dE) < kKeplerToleranceRad) {
+            // One step more once the rule is met: free for ordinary orbits
+            // (the step is then below 1e-16), it gives near-parabolic ones,
+            // whose semi-major axis may be billions of AU, the digits that
+            // r = q + 2ae sin²(E/2) multiplies by a.
+            const double polish = -f(E) / df(E);
+            if (std::isfinite(polish)) E += polish;
+            return sign * E + turns * kTwoPi;
+        }
+    }
+    // f is increasing and convex on [0, π]; the root lies in [M, min(π, M + e)].
+    const std::optional<double> bracketed = NewtonFromAbove(m, std::min(kPi, m + e), f, df);
+    if (!bracketed) return std::nullopt;
+    return sign * *bracketed + turns * kTwoPi;
 }
 
 std::optional<double> SolveKeplerHyperbolic(double meanAnomalyRad, double e)
@@ -117,13 +145,26 @@ std::optional<double> SolveKeplerHyperbolic(double meanAnomalyRad, double e)
 double SolveBarker(double w)
 {
     if (!std::isfinite(w)) return kNaN;
-    // The real root of s³ + 3s − W = 0: s = Y − 1/Y with Y = ∛(W/2 + √(W²/4 + 1)),
-    // taken for |W| (s is odd in W) so that Y ≥ 1 and nothing cancels badly.
-    const double a = std::fabs(w) * 0.5;
-    const double y = std::cbrt(a + std::hypot(a, 1.0));
-    double s = y - 1.0 / y;
+    // Newton's method on s³ + 3s − W from s = 0, s ← (2s³ + W)/(3(s² + 1)),
+    // until the change is below 1e-8. After the first step s lies above the
+    // root and falls toward it monotonically (the cubic is convex for s > 0,
+    // worked on |W| since s is odd in W), so the loop ends; far from the
+    // perihelion, where W is large, it needs many steps, and after
+    // kBarkerIterations the cubic's real root in closed form is taken:
+    // s = Y − 1/Y with Y = ∛(W/2 + √(W²/4 + 1)).
+    const double a = std::fabs(w);
+    double s = 0.0;
+    for (int i = 0; i < kBarkerIterations; ++i) {
+        const double next = (2.0 * s * s * s + a) / (3.0 * (s * s + 1.0));
+        const double change = std::fabs(next - s);
+        s = next;
+        if (change < kKeplerToleranceRad) return w < 0.0 ? -s : s;
+    }
+    const double half = 0.5 * a;
+    const double y = std::cbrt(half + std::hypot(half, 1.0));
+    s = y - 1.0 / y;
     // One Newton step polishes the last bits lost in Y − 1/Y for small W.
-    s -= (s * (s * s + 3.0) - std::fabs(w)) / (3.0 * (s * s + 1.0));
+    s -= (s * (s * s + 3.0) - a) / (3.0 * (s * s + 1.0));
     return w < 0.0 ? -s : s;
 }
 

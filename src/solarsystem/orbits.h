@@ -30,10 +30,14 @@ inline constexpr double kGaussK = 0.01720209895;
 
 // E − e sin E = M for 0 ≤ e < 1. `meanAnomalyRad` any finite angle; the
 // eccentric anomaly returned lies in the same revolution (E − M is within
-// ±e). Newton's method from an upper bracket, on a convex function, so that
-// it converges monotonically for every e; stops when the step is below
-// 1e-15 rad relative (about 0.2 µas). Nothing for non-finite input or e
-// outside [0, 1).
+// ±e). Newton's iteration ΔE = (M + e sin E − E)/(1 − e cos E) from E = M,
+// repeated while |ΔE| ≥ 1e-8 rad (the error then left is about ΔE², well
+// under a microarcsecond; one further step gives near-parabolic orbits,
+// whose a may be billions of AU, the digits r needs), at most 50 steps; should that not settle (e very
+// near 1 with a small M can make the first steps wander), Newton's method
+// from an upper bracket on the convex f(E), which converges monotonically
+// for every e, finishes to 1e-15 relative. Nothing for non-finite input or
+// e outside [0, 1): the input is checked before any loop.
 std::optional<double> SolveKeplerElliptic(double meanAnomalyRad, double e);
 
 // e sinh H − H = M for e > 1 (any e up to 100 and beyond): Newton's method
@@ -43,8 +47,11 @@ std::optional<double> SolveKeplerElliptic(double meanAnomalyRad, double e);
 // non-finite input, e ≤ 1 or no convergence.
 std::optional<double> SolveKeplerHyperbolic(double meanAnomalyRad, double e);
 
-// Barker's equation s³ + 3s = W, s = tan(ν/2), solved in closed form
-// (Meeus eq. 34.1 and the cubic's real root). NaN for non-finite W.
+// Barker's equation s³ + 3s = W, s = tan(ν/2) (Meeus eq. 34.1): Newton's
+// iteration s ← (2s³ + W)/(3(s² + 1)) from s = 0 until the change is below
+// 1e-8, at most 100 steps, after which (|W| beyond about 1e4, far from the
+// perihelion) the cubic's real root in closed form is taken. NaN for
+// non-finite W, checked before the loop.
 double SolveBarker(double w);
 
 struct ConicPlace {

@@ -64,14 +64,8 @@ std::string BodyText(int body) { return std::string(BodyName(body)); }
 
 }  // namespace
 
-double LocalDayStartJdUT(const CObserverDoc& site, double jdUT)
-{
-    const double offsetDays = site.LocalOffsetHours() / 24.0;
-    // Julian dates begin at noon: local midnight is where jd + offset ends in .5.
-    return std::floor(jdUT + offsetDays + 0.5) - 0.5 - offsetDays;
-}
-
-RiseTransitSet BodyRiseTransitSet(const CObserverDoc& site, int body, double jdUTDayStart)
+RiseTransitSet BodyRiseTransitSet(const CObserverDoc& site, int body, double jdUTDayStart,
+                                  const LocalHorizonFn& horizon)
 {
     RiseTransitSet invalid;
     invalid.kind = RiseTransitSet::Kind::InvalidInput;
@@ -103,7 +97,7 @@ RiseTransitSet BodyRiseTransitSet(const CObserverDoc& site, int body, double jdU
     double h0 = kRiseAltitudeStarRad;
     if (body == kBodySun) h0 = kRiseAltitudeSunRad;
     if (body == kBodyMoon) h0 = 0.7275 * std::asin(6378.14 / moonKm) + kRiseAltitudeStarRad;
-    return site.FindRiseTransitSet(position, jdUTDayStart, 1.0, h0);
+    return site.FindRiseTransitSet(position, jdUTDayStart, 1.0, h0, horizon);
 }
 
 std::string ConstellationAbbreviationAt(const CObserverDoc& observer, double raJ2000Rad, double decJ2000Rad)
@@ -117,11 +111,12 @@ std::string ConstellationAbbreviationAt(const CObserverDoc& observer, double raJ
 }
 
 BodyCircumstances ComputeCircumstances(const CObserverDoc& site, int body, double raJ2000Rad, double decJ2000Rad,
-                                       double grsLongitudeDeg)
+                                       double grsLongitudeDeg, std::shared_ptr<const HorizonProfile> horizon)
 {
     BodyCircumstances c;
     c.constellation = ConstellationAbbreviationAt(site, raJ2000Rad, decJ2000Rad);
-    c.events = BodyRiseTransitSet(site, body, LocalDayStartJdUT(site, site.JulianDate()));
+    c.overLocalHorizon = horizon != nullptr;
+    c.events = BodyRiseTransitSet(site, body, LocalDayStartJdUT(site, site.JulianDate()), LocalHorizonOf(std::move(horizon)));
     if (body != kBodyJupiter && body != kBodySaturn && body != kBodyMars) return c;
     CPlanets planets;
     const double jdTT = site.JulianDateTDT();
@@ -151,17 +146,7 @@ std::string CircumstancesText(const BodyCircumstances& c, int body, double local
 {
     std::string text;
     if (!c.constellation.empty()) text += "\nConstellation: " + c.constellation;
-    const RiseTransitSet& e = c.events;
-    if (e.kind != RiseTransitSet::Kind::InvalidInput) {
-        auto at = [&](const std::optional<double>& jd) { return jd ? FormatClock(*jd, localOffsetHours) : std::string("--:--"); };
-        if (e.kind == RiseTransitSet::Kind::AlwaysAbove)
-            text += "\nAbove the horizon all day; transit " + at(e.transitJdUT);
-        else if (e.kind == RiseTransitSet::Kind::AlwaysBelow)
-            text += "\nBelow the horizon all day";
-        else
-            text += "\nRise " + at(e.riseJdUT) + "  Transit " + at(e.transitJdUT) + "  Set " + at(e.setJdUT);
-        text += " (" + EphemerisTimeBase(localOffsetHours) + ")";
-    }
+    text += RiseTransitSetText(c.events, localOffsetHours, c.overLocalHorizon);
     if (c.cm1Deg && c.cm2Deg)
         text += Format("\nCentral meridian: System I %.1f\xC2\xB0, System II %.1f\xC2\xB0", *c.cm1Deg, *c.cm2Deg);
     else if (c.cm1Deg)
@@ -190,6 +175,7 @@ EphemerisStatus ComputeEphemeris(const CObserverDoc& site, const EphemerisReques
     // One day's events serve every row of that day.
     double eventsDay = std::numeric_limits<double>::quiet_NaN();
     RiseTransitSet events;
+    const LocalHorizonFn horizon = LocalHorizonOf(request.horizon);
     for (int i = 0; i < n; ++i) {
         if (progress && progress(static_cast<double>(i) / n) == ProgressAnswer::Cancel) return EphemerisStatus::Cancelled;
         EphemerisRow row;
@@ -216,7 +202,7 @@ EphemerisStatus ComputeEphemeris(const CObserverDoc& site, const EphemerisReques
         row.constellation = ConstellationAbbreviationAt(observer, raJ2000, decJ2000);
         const double day = LocalDayStartJdUT(site, row.jdUT);
         if (day != eventsDay) {
-            events = BodyRiseTransitSet(site, request.body, day);
+            events = BodyRiseTransitSet(site, request.body, day, horizon);
             eventsDay = day;
         }
         row.events = events;
@@ -239,15 +225,6 @@ std::string EphemerisStatusMessage(EphemerisStatus status, int body)
     case EphemerisStatus::Cancelled: return "The computation was cancelled.";
     }
     return {};
-}
-
-std::string EphemerisTimeBase(double localOffsetHours)
-{
-    const int minutes = static_cast<int>(std::lround(std::fabs(localOffsetHours) * 60.0));
-    if (minutes == 0) return "UT";
-    std::string text = Format("UT%c%d", localOffsetHours < 0.0 ? '-' : '+', minutes / 60);
-    if (minutes % 60 != 0) text += Format(":%02d", minutes % 60);
-    return text;
 }
 
 ResultTable MakeEphemerisTable(int body, const std::vector<EphemerisRow>& rows, double localOffsetHours,

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "map/skyevents.h"
 #include "map/skyobjects.h"
 #include "observer/observer.h"
 #include "solarsystem/planets.h"
@@ -24,12 +25,11 @@ namespace orv {
 // end and interpolated (quadratic in time: under 1″ for the planets and the
 // Sun, a few arcseconds for the Moon, a second or two of time). Standard
 // altitudes (Meeus ch. 15): −0.8333° for the Sun, 0.7275·π − 0.5667° for the
-// Moon (π its horizontal parallax), −0.5667° for the planets.
-RiseTransitSet BodyRiseTransitSet(const CObserverDoc& site, int body, double jdUTDayStart);
-
-// The Julian date (UT) of the local midnight that begins the civil day
-// holding jdUT, for the site's zone (LocalOffsetHours).
-double LocalDayStartJdUT(const CObserverDoc& site, double jdUT);
+// Moon (π its horizontal parallax), −0.5667° for the planets. Over the
+// observer's own horizon when `horizon` is given (the body's apparent
+// altitude meets the profile's at its azimuth).
+RiseTransitSet BodyRiseTransitSet(const CObserverDoc& site, int body, double jdUTDayStart,
+                                  const LocalHorizonFn& horizon = {});
 
 // The constellation's abbreviation ("Sgr") of a J2000 place, from the
 // boundaries file; empty without it.
@@ -42,12 +42,14 @@ std::string ConstellationAbbreviationAt(const CObserverDoc& observer, double raJ
 struct BodyCircumstances {
     std::string constellation;
     RiseTransitSet events;
+    bool overLocalHorizon = false;              // events found over the horizon profile
     std::optional<double> cm1Deg, cm2Deg;       // Jupiter: System I and II central meridians; Mars: cm1Deg
     std::optional<double> grsTransitJdUT;       // Jupiter: next transit of the spot
     std::optional<double> poleAngleDeg;         // Jupiter, Saturn: P
 };
 BodyCircumstances ComputeCircumstances(const CObserverDoc& site, int body, double raJ2000Rad, double decJ2000Rad,
-                                       double grsLongitudeDeg);
+                                       double grsLongitudeDeg,
+                                       std::shared_ptr<const HorizonProfile> horizon = nullptr);
 // The lines of the read-out ("\nConstellation: Sgr", "\nRise 05:12  Transit
 // 11:40  Set 18:09 (UT+1)", Jupiter's "\nGreat Red Spot (80.0°) transits …").
 std::string CircumstancesText(const BodyCircumstances& c, int body, double localOffsetHours,
@@ -59,6 +61,8 @@ struct EphemerisRequest {
     double jdUTTo = 0.0;
     double stepDays = 1.0;
     PlaceCentre centre = PlaceCentre::Geocentric;
+    // Rise and set over the observer's horizon profile when given.
+    std::shared_ptr<const HorizonProfile> horizon;
 };
 
 // One row: the body at jdUT.
@@ -141,7 +145,6 @@ EphemerisStatus ComputeBodyPath(const CObserverDoc& site, int body, double jdUTF
 // mark), and "Mag:%.1f".
 std::string BodyPathDateLabel(const BodyPath& path, std::size_t pointIndex, bool withYear);
 
-// "UT", "UT-4", "UT+5:30".
-std::string EphemerisTimeBase(double localOffsetHours);
+// EphemerisTimeBase ("UT", "UT-4", "UT+5:30") is in map/skyevents.h.
 
 }  // namespace orv

@@ -129,7 +129,7 @@ std::optional<ObjectDescription> CPlanetObjectSource::Describe(std::uint32_t key
     DateToJ2000(observer, request.jdTT, ra, dec, d.raJ2000Rad, d.decJ2000Rad);
     if (request.hasSite) {
         const double grs = GreatRedSpotLongitudeFromStyle(request.style);
-        const BodyCircumstances c = ComputeCircumstances(observer, body, d.raJ2000Rad, d.decJ2000Rad, grs);
+        const BodyCircumstances c = ComputeCircumstances(observer, body, d.raJ2000Rad, d.decJ2000Rad, grs, request.horizon);
         d.information += CircumstancesText(c, body, request.localOffsetHours, grs);
     }
     return d;

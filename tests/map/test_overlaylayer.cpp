@@ -4,10 +4,13 @@
 // bad line does not stop the rest of an overlay from being drawn.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <fstream>
+#include <memory>
 
 #include "map/chartframe.h"
 #include "map/drawcontext.h"
+#include "overlay/drawoverlay.h"
 #include "renderfixture.h"
 #include "support/compare.h"
 #include "util/angles.h"
@@ -255,6 +258,81 @@ TEST(OverlayLayer, NearTheHorizonTheLineIsLiftedByTheChartsRefraction)
     ASSERT_TRUE(frame.ToScreen(v, unrefracted));
     ASSERT_GT(std::hypot(unrefracted.x - s.x, unrefracted.y - s.y), 8.0);
     EXPECT_FALSE(RedNear(img, unrefracted.x, unrefracted.y, 0));
+}
+
+// Draws one parsed overlay and counts the segments it strokes.
+class CCountingOverlayLayer final : public IChartLayer {
+public:
+    CCountingOverlayLayer(std::shared_ptr<const COverlay> overlay, std::size_t* segments)
+        : m_overlay(std::move(overlay)), m_segments(segments)
+    {
+    }
+    std::span<const LayerSlot> Slots() const override { return kSlots; }
+    void Draw(DrawContext& ctx, LayerSlot) override { *m_segments = DrawOverlay(ctx, *m_overlay); }
+
+private:
+    static constexpr LayerSlot kSlots[] = {LayerSlot::Overlays};
+    std::shared_ptr<const COverlay> m_overlay;
+    std::size_t* m_segments;
+};
+
+// The overlay drawn alone on a 640 × 480 chart of the given centre and level.
+QImage DrawAlone(std::shared_ptr<const COverlay> overlay, int level, bool altAz, std::size_t& segments)
+{
+    CChartComponents components;
+    RegisterMapLayers(components.layers);
+    components.layers.Register([overlay, &segments] { return std::make_unique<CCountingOverlayLayer>(overlay, &segments); });
+    CMemorySettingsStore settings;
+    CLevelTable levels;
+    CMapDoc doc(settings);
+    doc.observer.SetSite("test", 48.0 * kRadPerDeg, 11.0 * kRadPerDeg, 500.0);
+    doc.observer.SetJulianDate(2460325.416666667);
+    CMapView view(doc, settings, levels);
+    view.SetLevel(level, CMapView::TakeField::Yes);
+    Plain(view);
+    if (altAz)
+        view.coordinates.SetCentreAltAz(doc.observer, 30.0 * kRadPerDeg, 120.0 * kRadPerDeg);
+    else
+        view.coordinates.SetCentreRaDec(doc.observer, 5.6 * kRadPerHour, 0.3 * kRadPerDeg);
+    CChartRenderer renderer(components);
+    QImage image(640, 480, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    QPainter painter(&image);
+    renderer.Draw(DrawSurface{&painter, SurfaceKind::Bitmap, 640, 480, 96.0, 96.0}, view, RenderOptions{});
+    painter.end();
+    return image;
+}
+
+// Passing over the runs of an overlay that lie beyond the field must not
+// lose a pixel: circles of declination every 7° (cut into steps of about a
+// degree), meridians every 15° from pole to pole (one long segment each,
+// which crosses the field from far outside it), drawn with and without the
+// culling blocks on a narrow equatorial chart and on an alt-azimuth one.
+TEST(OverlayLayer, CullingBlocksLoseNothing)
+{
+    std::string text = "epoch J2000.0\ndefine line l solid, 4, red, red\nselect line l\n";
+    char buf[96];
+    for (int dec = -84; dec <= 84; dec += 7)
+        for (int i = 0; i <= 360; ++i) {
+            std::snprintf(buf, sizeof buf, "%s %.5f, %d\n", i == 0 ? "move" : "draw", 24.0 * (i % 360) / 360.0, dec);
+            text += buf;
+        }
+    for (int ra = 0; ra < 24; ++ra) {
+        std::snprintf(buf, sizeof buf, "move %d, -89\ndraw %d, 89\ntext %d, 0, m\n", ra, ra, ra);
+        text += buf;
+    }
+    auto culled = std::make_shared<COverlay>(ParseOverlayText(text, "grid.ovl"));
+    ASSERT_GT(culled->blocks.size(), 30u);
+    auto whole = std::make_shared<COverlay>(*culled);
+    whole->blocks.clear();
+    for (const auto& [level, altAz] : {std::pair{4, false}, std::pair{6, false}, std::pair{1, true}}) {
+        std::size_t culledSegments = 0, wholeSegments = 0;
+        const QImage a = DrawAlone(culled, level, altAz, culledSegments);
+        const QImage b = DrawAlone(whole, level, altAz, wholeSegments);
+        EXPECT_GT(wholeSegments, 0u) << "level " << level;
+        EXPECT_EQ(wholeSegments, culledSegments) << "level " << level;
+        EXPECT_TRUE(a == b) << "level " << level << ": the culled drawing differs";
+    }
 }
 
 }  // namespace

@@ -256,6 +256,22 @@ TEST(OverlayList, RoundTripWithRelativePathsAndBadLines)
     EXPECT_EQ(2u, again.size());  // unchanged
 }
 
+// The command line and the program start from the same list: the user's
+// own when it reads.
+TEST(OverlayStore, StartsFromTheUsersList)
+{
+    const std::string dir = test::MakeTempDir();
+    { std::ofstream(dir + "/overlay.dat") << "1\t0\t0\tmine.ovl\n0\t2\t4\tother.ovl\n"; }
+    COverlayStore store;
+    const int generation = store.generation;
+    ASSERT_TRUE(LoadStartupOverlayList(store, dir + "/overlay.dat"));
+    ASSERT_EQ(2u, store.entries.size());
+    EXPECT_EQ(dir + "/mine.ovl", store.entries[0].path);
+    EXPECT_EQ(1, store.entries[0].active);
+    EXPECT_EQ(4, store.entries[1].maxLevel);
+    EXPECT_NE(generation, store.generation);
+}
+
 TEST(OverlayStore, ParsesAgainOnlyWhenTheFileChanges)
 {
     const std::string path = test::MakeTempDir() + "/a.ovl";

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "map/skyevents.h"
 #include "util/angles.h"
 
 namespace orv {
@@ -124,7 +125,8 @@ std::vector<SkyObjectMatch> CDeepSkyObjectSource::Resolve(std::string_view text,
     return out;
 }
 
-std::optional<ObjectDescription> CDeepSkyObjectSource::Describe(std::uint32_t key, const DescribeRequest&) const
+std::optional<ObjectDescription> CDeepSkyObjectSource::Describe(std::uint32_t key,
+                                                                const DescribeRequest& request) const
 {
     const CDeepSkyCatalogues& cats = m_catalogues->Get();
     DeepSkyObject o;
@@ -137,7 +139,7 @@ std::optional<ObjectDescription> CDeepSkyObjectSource::Describe(std::uint32_t ke
     d.designation = DeepSkyTitle(t);
     d.raJ2000Rad = o.raJ2000Rad;
     d.decJ2000Rad = o.decJ2000Rad;
-    d.information = d.designation + DeepSkyReadout(o, t);
+    d.information = d.designation + DeepSkyReadout(o, t) + FixedObjectEventsText(request, o.raJ2000Rad, o.decJ2000Rad);
     return d;
 }
 

@@ -244,6 +244,10 @@ void DrawDeepSky(DrawContext& ctx, const CDeepSkyCatalogues& cats, std::vector<D
     p.setRenderHint(QPainter::Antialiasing, true);
     const double minSemi = ctx.Px(0.025, 2.5);
     const double W = ctx.Width(), H = ctx.Height();
+    // Like the stars, objects under solid ground (or, with the horizon's
+    // "UseForEvents", behind the trees of the profile) are not drawn.
+    const bool solidGround = ctx.view.altAzGrid.solidHorizon != 0;
+    const CGroundTest ground(ctx.frame, ctx.doc);
     std::vector<Placed> drawn;
     drawn.reserve(gathered.size());
     DeepSkyTexts texts;
@@ -252,6 +256,7 @@ void DrawDeepSky(DrawContext& ctx, const CDeepSkyCatalogues& cats, std::vector<D
         if (!PlaceObject(ctx, o, minSemi, s)) continue;
         const double reach = s.semiMajorPx * 1.2 + 2.0;
         if (s.x < -reach || s.y < -reach || s.x > W + reach || s.y > H + reach) continue;
+        if (solidGround && ground.BelowHorizon(s.x, s.y)) continue;
         if (filter.HasNameFilter() && (!cats.Texts(o.catalogue, o.record, texts) || !filter.NamePasses(texts)))
             continue;
         DrawSymbol(p, ctx, s);

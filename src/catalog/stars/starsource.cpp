@@ -5,6 +5,7 @@
 #include "catalog/stars/crossindex.h"
 #include "catalog/stars/spacemotion.h"
 #include "catalog/stars/stardesignation.h"
+#include "map/skyevents.h"
 #include "map/skyframes.h"
 #include "observer/observer.h"
 #include "util/angles.h"
@@ -107,6 +108,7 @@ std::optional<ObjectDescription> CStarObjectSource::Describe(std::uint32_t key, 
         std::snprintf(buf, sizeof buf, "\nHIP %u", static_cast<unsigned>(rec.hip));
         text += buf;
     }
+    text += FixedObjectEventsText(request, d.raJ2000Rad, d.decJ2000Rad);
     d.information = std::move(text);
     return d;
 }
