@@ -6,6 +6,7 @@
 // level table of positive fields, eclipse years in the tables' span.
 #include <unistd.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -35,10 +36,15 @@ void Check(bool ok)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     using namespace orv;
-    // A new name for every input: QSettings keeps parsed files in a cache
-    // keyed by name and checks only the time stamp and size to reload.
-    static unsigned serial = 0;
-    const std::string path = fuzz::WriteScratch("settings-" + std::to_string(++serial) + ".ini", {data, size});
+    // One name for every input (QSettings keeps parsed files in a cache
+    // keyed by name: new names would grow it, and make every input look
+    // like a leak to the sanitizer), with a time stamp of its own so that
+    // QSettings, which checks the time stamp and size, reads each afresh.
+    static long long serial = 0;
+    const std::string path = fuzz::WriteScratch("settings.ini", {data, size});
+    std::error_code ec;
+    std::filesystem::last_write_time(
+        path, std::filesystem::file_time_type(std::chrono::seconds(1000000000 + ++serial)), ec);
     {
         const CQtSettingsStore store(path);
 
@@ -81,7 +87,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             for (const char* key : {"Latitude", "Longitude", "Height", "TimeZone", "GRSLong", "Field"})
                 Check(std::isfinite(store.GetReal(section, key, 1.0)));
     }
-    std::error_code ec;
-    std::filesystem::remove(path, ec);
     return 0;
 }
