@@ -10,9 +10,12 @@
 #include "catalog/deepsky/deepskyformat.h"
 #include "catalog/deepsky/deepskysource.h"
 #include "fuzzsupport.h"
+#include "util/dataproblems.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
+    // The refusals of the last input, each of its own wording, are forgotten.
+    orv::ForgetDataFileProblems();
     using namespace orv;
     const auto parts = fuzz::Split(data, size, 7);
     fuzz::WriteScratch(deepsky::kNgcIcDiskName, parts[0]);

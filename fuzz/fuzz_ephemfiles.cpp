@@ -7,9 +7,12 @@
 #include "eclipse/eclipsetables.h"
 #include "solarsystem/ephem96.h"
 #include "fuzzsupport.h"
+#include "util/dataproblems.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
+    // The refusals of the last input, each of its own wording, are forgotten.
+    orv::ForgetDataFileProblems();
     using namespace orv;
     const auto parts = fuzz::Split(data, size, 2);
     CEphem96 ephemeris;

@@ -11,6 +11,7 @@
 #include "solarsystem/minorelements.h"
 #include "solarsystem/orbits.h"
 #include "fuzzsupport.h"
+#include "util/dataproblems.h"
 
 namespace {
 
@@ -29,6 +30,8 @@ void Propagate(const std::vector<Elements>& list)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
+    // The refusals of the last input, each of its own wording, are forgotten.
+    orv::ForgetDataFileProblems();
     using namespace orv;
     const std::string_view text = fuzz::Text({data, size});
     std::vector<AsteroidElements> asteroids;

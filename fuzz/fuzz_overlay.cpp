@@ -9,9 +9,12 @@
 #include "map/horizonprofile.h"
 #include "overlay/overlayfile.h"
 #include "fuzzsupport.h"
+#include "util/dataproblems.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
+    // The refusals of the last input, each of its own wording, are forgotten.
+    orv::ForgetDataFileProblems();
     using namespace orv;
     const auto parts = fuzz::Split(data, size, 3);
     const std::string overlayText(fuzz::Text(parts[0]));

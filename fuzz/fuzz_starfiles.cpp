@@ -11,9 +11,12 @@
 #include "catalog/stars/tycho2catalogue.h"
 #include "catalog/stars/tycho2format.h"
 #include "fuzzsupport.h"
+#include "util/dataproblems.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
+    // The refusals of the last input, each of its own wording, are forgotten.
+    orv::ForgetDataFileProblems();
     using namespace orv;
     static const bool pointed = [] { return ::setenv("ORVANE_DATA", fuzz::ScratchFolder().c_str(), 1) == 0; }();
     (void)pointed;

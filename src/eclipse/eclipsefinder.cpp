@@ -218,7 +218,9 @@ EclipseList FindEclipses(int firstYear, int lastYear, EclipseKinds kinds, const 
         list.ephemerisMissing = true;
         return list;
     }
-    if (lastYear < firstYear) return list;
+    // Outside the span the series serve the search is refused: a year of
+    // a billion would be a walk of twelve billion lunations.
+    if (lastYear < firstYear || firstYear < kEclipseFirstYear || lastYear > kEclipseLastYear) return list;
     const double jdStart = JulianDateFromCivil(CivilDateTime{firstYear, 1, 1, 0, 0, 0.0});
     const double jdEnd = JulianDateFromCivil(CivilDateTime{lastYear + 1, 1, 1, 0, 0, 0.0});
     const double kFirst = std::floor((jdStart - 2451550.09766) / kSynodicMonthDays) - 1.0;

@@ -54,6 +54,10 @@ struct EclipseList {
 // span of the tables; the accuracy of the instants is a few seconds over
 // the modern era and grows with the uncertainty of the Moon's secular
 // acceleration in the ephemeris into the distant past.
+// Years outside that span, or a last year before the first, give an empty
+// list.
+inline constexpr int kEclipseFirstYear = -1999;
+inline constexpr int kEclipseLastYear = 3000;
 EclipseList FindEclipses(int firstYear, int lastYear, EclipseKinds kinds, const EclipseProgressFn& progress = {});
 
 // The eclipse of the given kind at the syzygy nearest jdTT (within half a

@@ -1,5 +1,6 @@
 #include "eclipse/eclipsesearch.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <cstdio>
@@ -41,8 +42,14 @@ std::string UtTimeText(double jdUT)
 
 void EclipseSearchSettings::Load(const CSettingsStore& store)
 {
-    startYear = store.GetInt("EclipseSearch", "StartYear", startYear);
-    endYear = store.GetInt("EclipseSearch", "EndYear", endYear);
+    // Years beyond the tables' span fall back to the defaults: a damaged
+    // file must not start a search of millions of years.
+    const auto year = [&](const char* key, int defaultYear) {
+        const int y = store.GetInt("EclipseSearch", key, defaultYear);
+        return y >= kFirstTableYear && y <= kLastTableYear ? y : defaultYear;
+    };
+    startYear = year("StartYear", startYear);
+    endYear = year("EndYear", endYear);
     displayOption = store.GetInt("EclipseSearch", "DisplayOption", displayOption);
     solar = store.GetInt("EclipseSearch", "Solar", solar ? 1 : 0) != 0;
     lunar = store.GetInt("EclipseSearch", "Lunar", lunar ? 1 : 0) != 0;
@@ -70,8 +77,10 @@ std::optional<std::string> ValidateEclipseSearch(const EclipseSearchSettings& s)
 
 int EclipseSearchProgressRange(const EclipseSearchSettings& s)
 {
-    const int years = s.endYear - s.startYear + 1;
-    return s.solar && s.lunar ? 2 * years : years;
+    // In 64 bits: years from a damaged settings file must not overflow.
+    const long long years =
+        std::clamp(static_cast<long long>(s.endYear) - s.startYear + 1, 0LL, 1LL + kLastTableYear - kFirstTableYear);
+    return static_cast<int>(s.solar && s.lunar ? 2 * years : years);
 }
 
 namespace {
@@ -115,6 +124,10 @@ EclipseSearchOutcome RunEclipseSearch(const EclipseSearchSettings& settings, con
         std::error_code ec;
         std::filesystem::remove(scratchPath, ec);
     }
+    // Years beyond the tables (a damaged settings file) find nothing.
+    if (settings.startYear < kFirstTableYear || settings.endYear > kLastTableYear ||
+        settings.endYear < settings.startYear)
+        return outcome;
     const int years = settings.endYear - settings.startYear + 1;
     int yearsBefore = 0;  // progress of the kinds already searched
     for (const EclipseKind kind : {EclipseKind::Solar, EclipseKind::Lunar}) {

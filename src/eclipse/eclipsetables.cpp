@@ -4,10 +4,13 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <tuple>
 
 #include "observer/observer.h"
 #include "util/atomicfile.h"
+#include "util/binaryio.h"
 #include "util/datapath.h"
+#include "util/dataproblems.h"
 
 namespace orv {
 
@@ -114,11 +117,34 @@ std::optional<std::string> WriteEclipseTables(const std::string& dataFolder, con
 
 std::optional<std::vector<EclipseRecord>> ReadEclipseFile(const std::string& path)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return std::nullopt;
+    std::vector<std::uint8_t> bytes;
+    if (!ReadWholeFile(path, bytes)) return std::nullopt;
+    // A table cut short by an interrupted copy, or another program's file
+    // under our name, is refused as a whole and named to the user: a list
+    // of eclipses with a hole or with invented ones would mislead.
+    auto refuse = [&](const std::string& reason) -> std::optional<std::vector<EclipseRecord>> {
+        ReportDataFileProblem(path, reason);
+        return std::nullopt;
+    };
+    if (bytes.empty()) return refuse("it is empty (a file cut short)");
+    if (bytes.size() % kEclipseRecordBytes != 0)
+        return refuse("its size, " + std::to_string(bytes.size()) + " bytes, is not a whole number of " +
+                      std::to_string(kEclipseRecordBytes) + "-byte records (a file cut short or of another layout)");
     std::vector<EclipseRecord> records;
-    std::uint8_t buf[kEclipseRecordBytes];
-    while (in.read(reinterpret_cast<char*>(buf), kEclipseRecordBytes)) records.push_back(DecodeEclipseRecord(buf));
+    records.reserve(bytes.size() / kEclipseRecordBytes);
+    for (std::size_t at = 0; at < bytes.size(); at += kEclipseRecordBytes) {
+        const EclipseRecord r = DecodeEclipseRecord(bytes.data() + at);
+        const bool knownType = r.type == 'T' || r.type == 'P' || r.type == 'H' || r.type == 'A' || r.type == 'N';
+        const bool inOrder =
+            records.empty() ||
+            std::make_tuple(records.back().year, records.back().month, records.back().day, records.back().hour,
+                            records.back().minute) <= std::make_tuple(r.year, r.month, r.day, r.hour, r.minute);
+        if (r.month < 1 || r.month > 12 || r.day < 1 || r.day > 31 || r.hour > 23 || r.minute > 59 || !knownType ||
+            !inOrder)
+            return refuse("record " + std::to_string(at / kEclipseRecordBytes + 1) +
+                          " is not an eclipse in date order (a file of another layout)");
+        records.push_back(r);
+    }
     return records;
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "util/angles.h"
+#include "util/binaryio.h"
 #include "util/atomicfile.h"
 
 namespace orv {
@@ -51,10 +52,8 @@ struct Point {
 
 HorizonFileResult ReadHorizonFile(const std::string& path, HorizonProfile& profile)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return Failure("Unable to open file\n\"" + path + "\"");
-    std::vector<char> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (in.bad()) return Failure("Unable to open file\n\"" + path + "\"");
+    std::vector<std::uint8_t> bytes;
+    if (!ReadWholeFile(path, bytes)) return Failure("Unable to open file\n\"" + path + "\"");
     // A file of another length is still read, as far as it goes (a short
     // file sets the first degrees and leaves the rest as they were), and the
     // user is told what was found.
@@ -175,14 +174,16 @@ double HorizonAltitudeRad(const HorizonProfile& profile, double azimuthRad)
 
 void FlattenHorizon(HorizonProfile& profile, int fromDeg, int toDeg, int altitudeDeg)
 {
-    const int n = Wrap360(toDeg - fromDeg) + 1;
+    fromDeg = Wrap360(fromDeg);
+    const int n = Wrap360(Wrap360(toDeg) - fromDeg) + 1;
     for (int i = 0; i < n; ++i) profile[Wrap360(fromDeg + i)] = ClampDeg(altitudeDeg);
 }
 
 void SmoothHorizon(HorizonProfile& profile, int fromDeg, int toDeg, int halfWidthDeg)
 {
     const HorizonProfile before = profile;
-    const int n = Wrap360(toDeg - fromDeg) + 1;
+    fromDeg = Wrap360(fromDeg);
+    const int n = Wrap360(Wrap360(toDeg) - fromDeg) + 1;
     halfWidthDeg = std::clamp(halfWidthDeg, 1, 90);
     for (int i = 0; i < n; ++i) {
         const int k = Wrap360(fromDeg + i);
@@ -194,6 +195,9 @@ void SmoothHorizon(HorizonProfile& profile, int fromDeg, int toDeg, int halfWidt
 
 void InterpolateHorizon(HorizonProfile& profile, int fromDeg, int toDeg)
 {
+    // Wrapped first, so that no index of any size overflows the arithmetic.
+    fromDeg = Wrap360(fromDeg);
+    toDeg = Wrap360(toDeg);
     const int n = Wrap360(toDeg - fromDeg);
     if (n == 0) return;
     const double a0 = profile[Wrap360(fromDeg)], a1 = profile[Wrap360(toDeg)];

@@ -50,7 +50,9 @@ void CLevelTable::Load(const CSettingsStore& store)
         // The field is an unsigned 32-bit value: a negative stored integer is
         // taken modulo 2^32, as the registry would hand it back.
         const std::uint32_t fieldArcmin = static_cast<std::uint32_t>(store.GetInt(section, "Field", static_cast<int>(d.fieldArcmin)));
-        r.fieldDeg = fieldArcmin / 60.0;
+        // A field of nothing, or wider than the whole sky, is not one a chart
+        // can show: the level keeps its built-in field.
+        r.fieldDeg = (fieldArcmin >= 1 && fieldArcmin <= 180u * 60u ? fieldArcmin : d.fieldArcmin) / 60.0;
         r.starMagLimit = static_cast<std::int16_t>(store.GetInt(section, "StarMagLimit", d.starMagLimit));
         r.starMagBright = static_cast<std::int16_t>(store.GetInt(section, "StarMagBright", d.starMagBright));
         r.dsMagLimit = static_cast<std::int16_t>(store.GetInt(section, "DSMagLimit", d.dsMagLimit));

@@ -40,7 +40,8 @@ public:
 
     // Section "Level%1d" (index + 1): "Field" (arc minutes, read as an
     // unsigned 32-bit integer), "StarMagLimit", "StarMagBright", "DSMagLimit",
-    // "DSSizeLimit", "ScrollMode".
+    // "DSSizeLimit", "ScrollMode". A field outside 1′ … 180° (a damaged
+    // file) leaves the level's built-in field.
     void Load(const CSettingsStore& store);
     void Save(CSettingsStore& store) const;
 

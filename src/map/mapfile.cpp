@@ -180,14 +180,9 @@ MapFileResult LoadMapFile(const std::string& path, CMapView& view, KeepTitle kee
 {
     MapFileResult result;
     result.path = path;
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        result.status = MapFileStatus::CannotOpen;
-        result.systemReason = std::strerror(errno);
-        return result;
-    }
-    const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    if (in.bad()) {
+    std::vector<std::uint8_t> bytes;
+    errno = 0;
+    if (!ReadWholeFile(path, bytes)) {
         result.status = MapFileStatus::CannotOpen;
         result.systemReason = std::strerror(errno);
         return result;

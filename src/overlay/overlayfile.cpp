@@ -12,6 +12,7 @@
 #include "util/angles.h"
 #include "util/atomicfile.h"
 #include "util/datapath.h"
+#include "util/dataproblems.h"
 
 namespace orv {
 
@@ -420,6 +421,10 @@ std::optional<double> OverlayEpochJd(const std::string& word)
     if (word.size() < 2) return std::nullopt;
     double year = 0.0;
     if (!ToDouble(word.substr(1), year)) return std::nullopt;
+    // The precession model holds for some ten thousand years either side of
+    // J2000; an equinox beyond ±100 000 years is a typing error, and one of
+    // 1e308 would carry infinities into every point.
+    if (!std::isfinite(year) || std::abs(year) > 100000.0) return std::nullopt;
     if (word[0] == 'B' || word[0] == 'b') return (year - 1950.0) * 365.2421988 + 2433282.4235;
     if (word[0] == 'J' || word[0] == 'j') return (year - 2000.0) * 365.25 + 2451545.0;
     return std::nullopt;
@@ -549,17 +554,22 @@ OverlayListResult ReadOverlayList(const std::string& path, std::vector<OverlayLi
             start = tab + 1;
         }
         int active = 0, lo = 0, hi = 0;
+        // A list cut short or of another kind is refused whole (the
+        // previous list stays) and named to the user.
+        auto refuse = [&](const std::string& what) -> OverlayListResult {
+            const std::string reason = "line " + std::to_string(lineNo) + ": " + what;
+            ReportDataFileProblem(path, reason);
+            return {false, path + ", " + reason};
+        };
         if (f.size() != 3 || !ToInt(Trim(f[0]), active) || !ToInt(Trim(f[1]), lo) || !ToInt(Trim(f[2]), hi) ||
             lo < 0 || lo > 10 || hi < 0 || hi > 10)
-            return {false, path + ", line " + std::to_string(lineNo) +
-                               ": expected \"active<TAB>lowest level<TAB>highest level<TAB>file\" "
-                               "with levels 0 to 10"};
+            return refuse("expected \"active<TAB>lowest level<TAB>highest level<TAB>file\" with levels 0 to 10");
         OverlayListEntry e;
         e.active = active != 0 ? 1 : 0;
         e.minLevel = static_cast<std::int16_t>(lo);
         e.maxLevel = static_cast<std::int16_t>(hi);
         std::filesystem::path file = Trim(line.substr(start));
-        if (file.empty()) return {false, path + ", line " + std::to_string(lineNo) + ": expected a file name"};
+        if (file.empty()) return refuse("expected a file name");
         if (file.is_relative()) file = folder / file;
         e.path = file.lexically_normal().string();
         out.push_back(std::move(e));
@@ -580,6 +590,34 @@ OverlayListResult WriteOverlayList(const std::string& path, const std::vector<Ov
     return {true, {}};
 }
 
+namespace {
+
+// An overlay drawn on the charts with lines that were skipped: a file of
+// another kind under an overlay's name (nothing of it is drawn), or one cut
+// short or mistyped (the rest is drawn). The charts name it to the user
+// once; the overlay dialog lists every line.
+void ReportSkippedOverlayLines(const COverlay& overlay)
+{
+    if (!overlay.opened) return;
+    // Lines not drawn: those refused, and those of no known command.
+    const auto skipped = [](const OverlayDiagnostic& d) {
+        return d.severity == OverlayDiagnostic::Severity::Error || d.message.rfind("unknown command", 0) == 0;
+    };
+    const std::size_t count =
+        static_cast<std::size_t>(std::count_if(overlay.diagnostics.begin(), overlay.diagnostics.end(), skipped));
+    if (count == 0) return;
+    const auto first = std::find_if(overlay.diagnostics.begin(), overlay.diagnostics.end(), skipped);
+    const std::string where = "line " + std::to_string(first->line) + ": " + first->message;
+    if (overlay.commands.empty())
+        ReportDataFileProblem(overlay.path, "none of its lines is an overlay command, so nothing of it is drawn (a "
+                                            "file of another kind?); " + where);
+    else
+        ReportDataFileProblem(overlay.path, std::to_string(count) + (count == 1 ? " line was" : " lines were") +
+                                                " skipped (a file cut short or mistyped?); " + where);
+}
+
+}  // namespace
+
 std::shared_ptr<const COverlay> COverlayStore::Get(const std::string& path)
 {
     std::error_code ec;
@@ -587,7 +625,9 @@ std::shared_ptr<const COverlay> COverlayStore::Get(const std::string& path)
     const auto size = ec ? 0 : std::filesystem::file_size(path, ec);
     Cached& c = m_cache[path];
     if (c.overlay && !ec && c.time == time && c.size == size) return c.overlay;
-    c.overlay = std::make_shared<const COverlay>(ParseOverlayFile(path));
+    COverlay parsed = ParseOverlayFile(path);
+    ReportSkippedOverlayLines(parsed);
+    c.overlay = std::make_shared<const COverlay>(std::move(parsed));
     c.time = ec ? std::filesystem::file_time_type{} : time;
     c.size = size;
     return c.overlay;

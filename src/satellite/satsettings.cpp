@@ -22,10 +22,12 @@ Enum ReadEnum(const CSettingsStore& store, const char* key, Enum defaultValue, i
     return v >= 0 && v <= highest ? static_cast<Enum>(v) : defaultValue;
 }
 
-int ReadPositive(const CSettingsStore& store, const char* key, int defaultValue)
+// A value beyond the dialogs' own limits comes from a damaged file, and
+// would make a walk of billions of steps: the default is taken instead.
+int ReadPositive(const CSettingsStore& store, const char* key, int defaultValue, int maximum)
 {
     const int v = store.GetInt(kEarthSatSection, key, defaultValue);
-    return v > 0 ? v : defaultValue;
+    return v > 0 && v <= maximum ? v : defaultValue;
 }
 
 void ReadColumns(const CSettingsStore& store, const char* pattern, std::map<int, std::pair<int, int>>& out)
@@ -58,16 +60,16 @@ void CEarthSatSettings::Load(const CSettingsStore& store)
     const CEarthSatSettings d;
     tleFile = store.GetString(kEarthSatSection, "TLEFile", "");
     groundTrackDuration = ReadEnum(store, "GTDuration", d.groundTrackDuration, 1);
-    groundTrackLengthMin = ReadPositive(store, "GTLength", d.groundTrackLengthMin);
-    groundTrackIntervalMin = ReadPositive(store, "GTInterval", d.groundTrackIntervalMin);
-    passDurationDays = ReadPositive(store, "PassDuration", d.passDurationDays);
-    passPositionIntervalSec = ReadPositive(store, "PassPosInterval", d.passPositionIntervalSec);
+    groundTrackLengthMin = ReadPositive(store, "GTLength", d.groundTrackLengthMin, 14 * 1440);
+    groundTrackIntervalMin = ReadPositive(store, "GTInterval", d.groundTrackIntervalMin, 1440);
+    passDurationDays = ReadPositive(store, "PassDuration", d.passDurationDays, 365);
+    passPositionIntervalSec = ReadPositive(store, "PassPosInterval", d.passPositionIntervalSec, 3600);
     passVisibility = ReadEnum(store, "PassVisiblePasses", d.passVisibility, 1);
     passMinAltitude = ReadEnum(store, "PassMinAltFlag", d.passMinAltitude, 1);
     passMinAltitudeDeg = store.GetInt(kEarthSatSection, "PassMinAlt", d.passMinAltitudeDeg);
     passScope = ReadEnum(store, "PassOption", d.passScope, 1);
     passDisplay = ReadEnum(store, "PassDisplayOption", d.passDisplay, 1);
-    passLabelIntervalSec = ReadPositive(store, "PassDisplayInterval", d.passLabelIntervalSec);
+    passLabelIntervalSec = ReadPositive(store, "PassDisplayInterval", d.passLabelIntervalSec, 3600);
     speedUnit = ReadEnum(store, "SatSpeed", d.speedUnit, 3);
     distanceUnit = ReadEnum(store, "SatDistance", d.distanceUnit, 2);
     epochAgeLimitDays = store.GetInt(kEarthSatSection, "SatAge", d.epochAgeLimitDays);

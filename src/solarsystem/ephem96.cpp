@@ -5,6 +5,7 @@
 
 #include "util/binaryio.h"
 #include "util/datapath.h"
+#include "util/dataproblems.h"
 
 namespace orv {
 
@@ -19,8 +20,15 @@ Ephem96Status CEphem96::OpenFile(const std::string& path)
 {
     Release();
     if (!m_file.Open(path)) return Ephem96Status::Missing;
+    const std::size_t size = m_file.Bytes().size();
     const Ephem96Status status = Parse(m_file.Bytes());
-    if (status != Ephem96Status::Ok) Release();
+    if (status != Ephem96Status::Ok) {
+        Release();
+        // Left out, every date goes to the full series: slower, never wrong.
+        ReportDataFileProblem(path, "its " + std::to_string(size) +
+                                        " bytes do not decode as the nine bodies' fitted intervals (a file cut "
+                                        "short or of another layout)");
+    }
     return status;
 }
 

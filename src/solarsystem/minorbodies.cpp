@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "util/datapath.h"
+#include "util/dataproblems.h"
 
 namespace orv {
 
@@ -147,6 +148,29 @@ void CMinorCatalogs::SetPaths(std::string asteroidPath, std::string cometPath)
     m_cometPath = std::move(cometPath);
 }
 
+namespace {
+
+// A catalogue with lines that are not element lines: a file of another kind
+// under the catalogue's name (no line reads; nothing of it is drawn), or
+// one cut short or damaged by hand (the bad lines are left out, the others
+// drawn). Either way the user is told which file and where.
+void ReportRefusedLines(const std::string& path, const CatalogReadResult& read, const char* what)
+{
+    if (!read.opened || read.refused.empty()) return;
+    const RefusedLine& first = read.refused.front();
+    const std::string where = "line " + std::to_string(first.lineNumber) + ": " + first.reason;
+    if (read.accepted == 0 && read.filteredOut == 0)
+        ReportDataFileProblem(path, std::string("none of its lines is ") + what +
+                                        " element line, so it is left out (a file of another kind?); " + where);
+    else
+        ReportDataFileProblem(path, std::to_string(read.refused.size()) + " of its lines " +
+                                        (read.refused.size() == 1 ? "is not " : "are not ") + what +
+                                        " element line and " + (read.refused.size() == 1 ? "is" : "are") +
+                                        " left out (a file cut short or damaged?); " + where);
+}
+
+}  // namespace
+
 void CMinorCatalogs::Reload()
 {
     if (m_asteroidPath.empty()) m_asteroidPath = DefaultCatalogPath(MinorKind::Asteroid);
@@ -158,8 +182,8 @@ void CMinorCatalogs::Reload()
     all.mode = -1;
     CometFilter allComets;
     allComets.mode = -1;
-    ReadAsteroidCatalog(m_asteroidPath, all, m_asteroids);
-    ReadCometCatalog(m_cometPath, allComets, m_comets);
+    ReportRefusedLines(m_asteroidPath, ReadAsteroidCatalog(m_asteroidPath, all, m_asteroids), "an asteroid");
+    ReportRefusedLines(m_cometPath, ReadCometCatalog(m_cometPath, allComets, m_comets), "a comet");
     m_asteroidsChanged = m_cometsChanged = false;
     m_loaded = true;
     ++m_generation;

@@ -454,7 +454,11 @@ PositionStatus CPlanets::MoonPosition(const CObserverDoc& observer, double jdTT,
     PlanetRecord& record = m_records[kBodyMoon];
     record.valid = false;
     const MoonEclipticPlace moon = EvaluateMoonBlock(MoonDataBlock(), jdTT);
-    if (!std::isfinite(moon.lonDeg)) return PositionStatus::NoSource;
+    // So far from J2000 that the series' polynomials overflow (1e18 days),
+    // the series gives no place.
+    if (!std::isfinite(moon.lonDeg) || !std::isfinite(moon.latDeg) || !(moon.distanceKm > 0.0) ||
+        !std::isfinite(moon.distanceKm))
+        return PositionStatus::NoSource;
     double dPsi, dEps;
     observer.NutationTerms(jdTT, dPsi, dEps);
     const double eps = observer.MeanObliquity(jdTT) + dEps;
@@ -466,6 +470,8 @@ PositionStatus CPlanets::MoonPosition(const CObserverDoc& observer, double jdTT,
     distanceKm = moon.distanceKm;
     if (centre == PlaceCentre::Topocentric)
         ApplyParallax(observer, jdTT, distanceKm / kAstronomicalUnitKmIAU2012, raRad, decRad);
+    // Nutation and obliquity of a date beyond their polynomials' reach.
+    if (!std::isfinite(raRad) || !std::isfinite(decRad)) return PositionStatus::NoSource;
 
     record.raRad = raRad;
     record.decRad = decRad;

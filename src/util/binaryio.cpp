@@ -1,6 +1,8 @@
 #include "util/binaryio.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <memory>
 
 namespace orv {
 
@@ -67,6 +69,27 @@ bool CByteReader::Skip(std::size_t count)
     }
     m_pos += count;
     return true;
+}
+
+bool ReadWholeFile(const std::string& path, std::vector<std::uint8_t>& out)
+{
+    out.clear();
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> f(std::fopen(path.c_str(), "rb"), &std::fclose);
+    if (!f) return false;
+    // The size is a hint: a file that grows or shrinks meanwhile is read to
+    // its actual end.
+    if (std::fseek(f.get(), 0, SEEK_END) == 0) {
+        const long size = std::ftell(f.get());
+        if (size > 0) out.reserve(static_cast<std::size_t>(size));
+        std::rewind(f.get());
+    }
+    std::uint8_t block[65536];
+    for (;;) {
+        const std::size_t n = std::fread(block, 1, sizeof block, f.get());
+        out.insert(out.end(), block, block + n);
+        if (n < sizeof block) break;
+    }
+    return std::ferror(f.get()) == 0;
 }
 
 }  // namespace orv

@@ -137,4 +137,9 @@ private:
     bool m_short = false;
 };
 
+// Reads a whole file into `out` with one read of its size (not byte by byte
+// through a stream iterator, which is slow, most of all when instrumented);
+// false when it cannot be opened or read.
+bool ReadWholeFile(const std::string& path, std::vector<std::uint8_t>& out);
+
 }  // namespace orv

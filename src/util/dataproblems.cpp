@@ -40,13 +40,22 @@ std::vector<DataFileProblem> TakeDataFileProblems()
     return out;
 }
 
+void ForgetDataFileProblems()
+{
+    Registry& r = TheRegistry();
+    const std::lock_guard lock(r.mutex);
+    r.pending.clear();
+    r.reported.clear();
+}
+
 std::string DataFileProblemsText(const std::vector<DataFileProblem>& problems)
 {
     if (problems.empty()) return {};
-    std::string text = problems.size() == 1 ? "A data file is damaged and was left out:\n"
-                                            : "Some data files are damaged and were left out:\n";
+    std::string text = problems.size() == 1 ? "A data file is damaged and was left out, whole or in part:\n"
+                                            : "Some data files are damaged and were left out, whole or in part:\n";
     for (const DataFileProblem& p : problems) text += "  " + p.path + ": " + p.reason + "\n";
-    text += "Rebuild the data folder (tools/build-data.sh) to restore them.";
+    text += "Rebuild the data folder (tools/build-data.sh) to restore its catalogues; correct or replace your own "
+            "files (element catalogues, overlays).";
     return text;
 }
 

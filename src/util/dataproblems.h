@@ -22,6 +22,10 @@ struct DataFileProblem {
 void ReportDataFileProblem(const std::string& path, const std::string& reason);
 // The problems reported since the last call, oldest first; the list is emptied.
 std::vector<DataFileProblem> TakeDataFileProblems();
+// Forgets every problem, reported or pending, so that each may be reported
+// again: for a new data folder, and for the fuzz targets, whose millions of
+// distinct refusals must not pile up.
+void ForgetDataFileProblems();
 // One message for the user listing `problems`, or empty for none.
 std::string DataFileProblemsText(const std::vector<DataFileProblem>& problems);
 

@@ -1,6 +1,7 @@
 #include "util/settingsstore.h"
 
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
@@ -23,7 +24,10 @@ std::optional<double> ParseRealSetting(std::string_view text)
     char* end = nullptr;
     errno = 0;
     const double v = std::strtod(begin, &end);
-    if (end == begin) return std::nullopt;
+    // "nan", "inf" and numbers beyond a double's range read as no number:
+    // no setting of this program has a use for them, and each falls back
+    // to its default.
+    if (end == begin || !std::isfinite(v)) return std::nullopt;
     return v;
 }
 

@@ -63,7 +63,7 @@ private:
 
 // Formats a double with "%lf", the text form of every real setting.
 std::string FormatRealSetting(double value);
-// Parses a real setting; nothing when the text holds no number.
+// Parses a real setting; nothing when the text holds no finite number.
 std::optional<double> ParseRealSetting(std::string_view text);
 
 }  // namespace orv

@@ -35,12 +35,12 @@ TEST(Levels, StoreUsesLevelSectionsAndUnsignedFields)
     CMemorySettingsStore store;
     store.SetInt("Level4", "Field", 600);       // 10°
     store.SetInt("Level4", "StarMagLimit", 950);
-    store.SetInt("Level10", "Field", -60);      // taken as 2^32 − 60 arc minutes
+    store.SetInt("Level10", "Field", -60);      // 2^32 − 60 arc minutes: no field a chart can show
     CLevelTable t;
     t.Load(store);
     EXPECT_DOUBLE_EQ(t[3].fieldDeg, 10.0);
     EXPECT_EQ(t[3].starMagLimit, 950);
-    EXPECT_DOUBLE_EQ(t[9].fieldDeg, (4294967296.0 - 60.0) / 60.0);
+    EXPECT_DOUBLE_EQ(t[9].fieldDeg, 5.0 / 60.0) << "an impossible field falls back to the level's own";
     EXPECT_EQ(t[0].starMagLimit, 500);  // untouched levels keep their defaults
 
     CMemorySettingsStore out;

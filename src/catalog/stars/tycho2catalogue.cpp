@@ -25,10 +25,7 @@ bool ReadWhole(std::string_view name, std::vector<std::uint8_t>& out)
 {
     std::string path;
     if (!LocateDataFile(name, path)) return false;
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return false;
-    out.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    return !in.bad();
+    return ReadWholeFile(path, out);
 }
 
 // Linear-motion limits: 85° in mas, and 10″ of motion in mas.
