@@ -185,7 +185,7 @@ const CObserverDoc::Cache& CObserverDoc::InstantCache() const
     SplitDate(c.jdUT, ut1, ut2);
     SplitDate(c.jdTT, tt1, tt2);
     eraPmat06(tt1, tt2, c.precession);
-    eraNut06a(tt1, tt2, &c.dPsiRad, &c.dEpsRad);
+    NutationIAU2000B2006(c.jdTT, c.dPsiRad, c.dEpsRad);
     c.meanObliquityRad = eraObl06(tt1, tt2);
     eraNumat(c.meanObliquityRad, c.dPsiRad, c.dEpsRad, c.nutation);
     c.gmstRad = eraGmst06(ut1, ut2, tt1, tt2);
@@ -227,7 +227,7 @@ const CObserverDoc::NutationAt& CObserverDoc::NutationAtDate(double jdTT) const
     } else {
         double tt1, tt2;
         SplitDate(jdTT, tt1, tt2);
-        eraNut06a(tt1, tt2, &n.dPsiRad, &n.dEpsRad);
+        NutationIAU2000B2006(jdTT, n.dPsiRad, n.dEpsRad);
         n.meanObliquityRad = eraObl06(tt1, tt2);
         eraNumat(n.meanObliquityRad, n.dPsiRad, n.dEpsRad, n.matrix);
     }

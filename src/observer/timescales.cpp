@@ -318,13 +318,33 @@ double GreenwichMeanSiderealTimeRad(double jdUT, double jdTT)
     return eraGmst06(ut1, ut2, tt1, tt2);
 }
 
+void NutationIAU2000B2006(double jdTT, double& dPsiRad, double& dEpsRad)
+{
+    double tt1, tt2;
+    SplitDate(jdTT, tt1, tt2);
+    eraNut00b(tt1, tt2, &dPsiRad, &dEpsRad);
+    // The IAU 2006 adjustment of the 2000 nutation (Capitaine et al. 2005,
+    // A&A 432, 355; IERS Conventions 2010, eq. 5.35 ff.) for the secular
+    // change of J2 and the new obliquity, as eraNut06a applies it to 2000A.
+    const double t = ((tt1 - 2451545.0) + tt2) / 36525.0;  // Julian centuries TT from J2000
+    const double fj2 = -2.7774e-6 * t;
+    dPsiRad += dPsiRad * (0.4697e-6 + fj2);
+    dEpsRad += dEpsRad * fj2;
+}
+
 double GreenwichApparentSiderealTimeRad(double jdUT, double jdTT)
 {
     if (!std::isfinite(jdUT) || !std::isfinite(jdTT)) return std::numeric_limits<double>::quiet_NaN();
     double ut1, ut2, tt1, tt2;
     SplitDate(jdUT, ut1, ut2);
     SplitDate(jdTT, tt1, tt2);
-    return eraGst06a(ut1, ut2, tt1, tt2);
+    double dPsi, dEps;
+    NutationIAU2000B2006(jdTT, dPsi, dEps);
+    double precession[3][3], nutation[3][3], npb[3][3];
+    eraPmat06(tt1, tt2, precession);
+    eraNumat(eraObl06(tt1, tt2), dPsi, dEps, nutation);
+    eraRxr(nutation, precession, npb);
+    return eraGst06(ut1, ut2, tt1, tt2, npb);
 }
 
 }  // namespace orv
