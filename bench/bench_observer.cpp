@@ -9,6 +9,7 @@
 #include <cmath>
 #include <vector>
 
+#include "observer/nutation.h"
 #include "observer/observer.h"
 #include "util/angles.h"
 

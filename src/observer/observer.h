@@ -11,8 +11,7 @@
 //     taken as UT1; |UT1 − UTC| < 0.9 s); dynamical time TT = UT + ΔT;
 //   - rectangular vectors are unit vectors, x toward the equinox, z toward
 //     the pole.
-// Precession follows IAU 2006 and nutation IAU 2000B (adjusted to IAU 2006)
-// through ERFA.
+// Precession and nutation follow the IAU 2006/2000A models through ERFA.
 // Everything that depends only on the instant (precession and nutation
 // matrices, sidereal time) is computed once per instant and cached: a chart
 // asks for it thousands of times per redraw.
@@ -88,17 +87,7 @@ double LeapSecondTableEndJdUTC();
 
 // Greenwich mean sidereal time (IAU 2006, ERFA eraGmst06), radians in [0, 2π).
 double GreenwichMeanSiderealTimeRad(double jdUT, double jdTT);
-// Nutation in longitude and obliquity at jdTT, radians: the IAU 2000B
-// series (McCarthy & Luzum 2003, Celest. Mech. 85, 37; ERFA eraNut00b) with
-// the IAU 2006 adjustment that eraNut06a applies to 2000A. Its 77
-// luni-solar terms and fixed planetary offset follow the full 2000A series
-// (1,365 terms) to 1 mas over 1995–2050, and over 1900–2100 to 2.8 mas in
-// Δψ and 1.1 mas in Δε (tests/observer/test_precession.cpp), at a fraction
-// of its cost: the nutation of every new instant of a chart, search or table.
-void NutationIAU2000B2006(double jdTT, double& dPsiRad, double& dEpsRad);
-// Greenwich apparent sidereal time, radians in [0, 2π): the Earth rotation
-// angle less the equation of the origins (ERFA eraGst06) from IAU 2006
-// precession and the nutation above.
+// Greenwich apparent sidereal time (IAU 2006/2000A, ERFA eraGst06a), radians in [0, 2π).
 double GreenwichApparentSiderealTimeRad(double jdUT, double jdTT);
 
 // Outcome of a rise/transit/set computation.
@@ -193,13 +182,13 @@ public:
     void PrecessXYZ(double v[3], int direction) const;
     void PrecessXYZ(double v[3], double jdTT, int direction) const;
     // Nutation from mean to true equator and equinox of the date (TT) or of
-    // `jdTT` (NutationIAU2000B2006 and ERFA eraNumat).
+    // `jdTT` (IAU 2000A, ERFA eraNut06a and eraNumat).
     void NutateXYZ(double v[3]) const;
     void NutateXYZ(double v[3], double jdTT) const;
     // The inverse: true to mean equator and equinox of date.
     void UnnutateXYZ(double v[3]) const;
     // Nutation in longitude and obliquity at the observer's date or at
-    // `jdTT`, radians (NutationIAU2000B2006).
+    // `jdTT`, radians (IAU 2000A as adjusted for IAU 2006, eraNut06a).
     void NutationTerms(double& dPsiRad, double& dEpsRad) const;
     void NutationTerms(double jdTT, double& dPsiRad, double& dEpsRad) const;
     // Mean obliquity of the ecliptic of date (IAU 2006, eraObl06), radians.

@@ -61,20 +61,34 @@ void EarthBarycentreOffset(double jdTT, double offsetAU[3])
 
 void EarthBarycentreOffsetAndRate(double jdTT, double offsetAU[3], double rateAUPerDay[3])
 {
+    constexpr double kTwoPi = 6.283185307179586476925286766559;
     const TermsInTurns& terms = Terms();
     const double u = jdTT - 2451545.0;
     for (int c = 0; c < 3; ++c) {
         const std::size_t n = terms.turnsPerDay[c].size();
-        double sum = 0.0, rate = 0.0;
-        for (std::size_t k = 0; k < n; ++k) {
-            double s, co;
-            SinCosTurns(terms.turnsPerDay[c][k] * u, s, co);
-            sum += terms.sinAmp[c][k] * s + terms.cosAmp[c][k] * co;
+        const double* w = terms.turnsPerDay[c].data();
+        const double* sa = terms.sinAmp[c].data();
+        const double* ca = terms.cosAmp[c].data();
+        // Two terms at a time, then the odd one left.
+        Double2 sum2 = {0.0, 0.0}, rate2 = {0.0, 0.0};
+        std::size_t k = 0;
+        for (; k + 1 < n; k += 2) {
+            const Double2 wk = {w[k], w[k + 1]}, sk = {sa[k], sa[k + 1]}, ck = {ca[k], ca[k + 1]};
+            Double2 s, co;
+            SinCosTurns2(wk * u, s, co);
+            sum2 += sk * s + ck * co;
             // d/du (S sin ωu + C cos ωu) = ω (S cos ωu − C sin ωu)
-            rate += terms.turnsPerDay[c][k] * (terms.sinAmp[c][k] * co - terms.cosAmp[c][k] * s);
+            rate2 += wk * (sk * co - ck * s);
+        }
+        double sum = sum2[0] + sum2[1], rate = rate2[0] + rate2[1];
+        for (; k < n; ++k) {
+            double s, co;
+            SinCosTurns(w[k] * u, s, co);
+            sum += sa[k] * s + ca[k] * co;
+            rate += w[k] * (sa[k] * co - ca[k] * s);
         }
         offsetAU[c] = sum * 1e-10;
-        rateAUPerDay[c] = rate * (2.0 * 3.14159265358979323846) * 1e-10;
+        rateAUPerDay[c] = rate * kTwoPi * 1e-10;
     }
 }
 

@@ -182,9 +182,9 @@ public:
     // Apparent place of a planet (1, 2, 4–9) or the Sun (3) at jdTT: light
     // time (two passes, with the Sun's gravitational delay), gravitational
     // deflection by the Sun, annual aberration (relativistic, with the
-    // Lorentz factor), precession (IAU 2006) and nutation (IAU 2000A) to the
+    // Lorentz factor), precession (IAU 2006) and nutation (IAU 2000B) to the
     // true equator and equinox of date; with Topocentric the diurnal
-    // parallax for the observer's site. Fills the body's record (distances,
+    // parallax and aberration for the observer's site. Fills the body's record (distances,
     // light time, phase, elongation, diameter, magnitude). Explanatory
     // Supplement to the Astronomical Almanac (1992), §3.3.
     PositionStatus ApparentPosition(const CObserverDoc& observer, int body, double jdTT, double& raRad, double& decRad,

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "observer/nutation.h"
 #include "observer/observer.h"
 #include "support/compare.h"
 #include "util/angles.h"

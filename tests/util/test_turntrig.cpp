@@ -69,3 +69,21 @@ TEST(TurnTrig, ExactAtTheQuarterTurns)
     SinCosTurns(1000.75, s, c);
     EXPECT_EQ(-1.0, s);
 }
+
+TEST(TurnTrig, PairsGiveTheSingleAnglesResultsExactly)
+{
+    // The two-lane form must round exactly as the scalar one in every
+    // quadrant, negative angles and quarter turns included.
+    for (int k = -4000; k <= 4000; ++k) {
+        const double a = k * 0.125 + 1e-3 * k, b = -0.25 * k - 7e-4 * k;
+        double sa, ca, sb, cb;
+        SinCosTurns(a, sa, ca);
+        SinCosTurns(b, sb, cb);
+        Double2 s2, c2;
+        SinCosTurns2(Double2{a, b}, s2, c2);
+        ASSERT_EQ(sa, s2[0]) << a;
+        ASSERT_EQ(ca, c2[0]) << a;
+        ASSERT_EQ(sb, s2[1]) << b;
+        ASSERT_EQ(cb, c2[1]) << b;
+    }
+}
