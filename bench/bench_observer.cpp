@@ -4,9 +4,12 @@
 
 #include <benchmark/benchmark.h>
 
+#include <erfa.h>
+
 #include <cmath>
 #include <vector>
 
+#include "observer/nutation.h"
 #include "observer/observer.h"
 #include "util/angles.h"
 
@@ -68,7 +71,7 @@ void BM_PrecessNutateAtDatePerPosition(benchmark::State& state)
 }
 BENCHMARK(BM_PrecessNutateAtDatePerPosition);
 
-// A new instant: ΔT, precession, the IAU 2000A nutation, sidereal time.
+// A new instant: ΔT, precession, the IAU 2000B nutation, sidereal time.
 void BM_NewInstant(benchmark::State& state)
 {
     orv::CObserverDoc doc;
@@ -80,6 +83,26 @@ void BM_NewInstant(benchmark::State& state)
     }
 }
 BENCHMARK(BM_NewInstant);
+
+// The nutation of one date: the observer's IAU 2000B series (77 terms)
+// against the full IAU 2000A (1,365 terms) it replaced.
+void BM_Nutation(benchmark::State& state)
+{
+    const bool full = state.range(0) != 0;
+    double jd = 2460500.25;
+    double dPsi, dEps;
+    for (auto _ : state) {
+        jd += 0.37;
+        if (full)
+            eraNut06a(2451545.0, jd - 2451545.0, &dPsi, &dEps);
+        else
+            orv::NutationIAU2000B2006(jd, dPsi, dEps);
+        benchmark::DoNotOptimize(dPsi);
+        benchmark::DoNotOptimize(dEps);
+    }
+    state.SetLabel(full ? "IAU 2000A (eraNut06a)" : "IAU 2000B + 2006 adjustment");
+}
+BENCHMARK(BM_Nutation)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 // One day's rise, transit and set of a fixed star (about 150 altitudes).
 void BM_RiseTransitSetOneDay(benchmark::State& state)

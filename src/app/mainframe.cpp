@@ -680,7 +680,7 @@ void CMainFrame::About()
     QMessageBox::about(this, tr("About Orvane"),
                        tr("<h3>Orvane %1</h3><p>A planetarium and star-charting program for amateur astronomers.</p>"
                           "<p>Star positions from the Tycho-2 catalogue (Høg et al. 2000); precession, nutation and "
-                          "sidereal time on the IAU 2006/2000A models through ERFA.</p>")
+                          "sidereal time on the IAU 2006 and 2000B models through ERFA.</p>")
                            .arg(QApplication::applicationVersion()));
 }
 

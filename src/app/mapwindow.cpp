@@ -24,6 +24,9 @@
 #include "app/strings.h"
 #include "map/chartframe.h"
 #include "map/mapview.h"
+#include "solarsystem/bodypathfile.h"
+#include "solarsystem/drawbodypath.h"
+#include "util/atomicfile.h"
 #include "util/angles.h"
 #include "util/settingsstore.h"
 
@@ -102,10 +105,58 @@ MapFileResult CMapWindow::LoadFromFile(const QString& path)
     const MapFileResult r =
         LoadMapFile(path.toStdString(), *m_view, m_app.KeepTitle() ? KeepTitle::Yes : KeepTitle::No);
     if (r.Ok()) {
+        LoadPlanetPaths(path);
         ApplyTitle();
         RequestRedraw();
     }
     return r;
+}
+
+// The planet paths kept beside the map file (solarsystem/bodypathfile.h);
+// a map without them has no such file.
+void CMapWindow::LoadPlanetPaths(const QString& mapPath)
+{
+    auto* layer = m_renderer->FindLayer<CBodyPathLayer>();
+    if (layer == nullptr) return;
+    const QString sidecar = ToQ(BodyPathsFilePath(mapPath.toStdString()));
+    QFile file(sidecar);
+    if (!file.exists()) return;
+    if (!file.open(QIODevice::ReadOnly)) {
+        QMessageBox::warning(this, QApplication::applicationName(),
+                             tr("Unable to read the planet paths of this map from %1: %2").arg(sidecar, file.errorString()));
+        return;
+    }
+    const QByteArray bytes = file.readAll();
+    const BodyPathsReadResult paths = ParseBodyPaths(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+    if (!paths.ok) {
+        QMessageBox::warning(this, QApplication::applicationName(),
+                             tr("The planet paths of this map were not loaded: %1, line %2: %3")
+                                 .arg(sidecar)
+                                 .arg(paths.errorLine)
+                                 .arg(ToQ(paths.error)));
+        return;
+    }
+    layer->Clear();
+    for (const BodyPath& p : paths.paths) layer->Add(p);
+}
+
+// Writes the map's planet paths beside the map file, or removes an old
+// sidecar when the map has none. Reports a failure; the map itself is saved.
+void CMapWindow::SavePlanetPaths(const QString& mapPath)
+{
+    const auto* layer = m_renderer->FindLayer<CBodyPathLayer>();
+    const std::string sidecar = BodyPathsFilePath(mapPath.toStdString());
+    if (layer == nullptr || layer->Paths().empty()) {
+        QFile::remove(ToQ(sidecar));
+        return;
+    }
+    const std::string text = FormatBodyPaths(layer->Paths());
+    const AtomicWriteResult w = WriteFileAtomically(
+        sidecar, std::span<const std::uint8_t>(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+    if (!w.ok)
+        QMessageBox::warning(this, QApplication::applicationName(),
+                             tr("The map was saved but its planet paths could not be written to %1: %2")
+                                 .arg(ToQ(sidecar), ToQ(w.error)));
 }
 
 QString CMapWindow::FilePath() const { return ToQ(m_doc->pathName); }
@@ -139,7 +190,10 @@ bool CMapWindow::WriteTo(const QString& path, SaveTarget target)
         box.exec();
         return false;
     }
-    if (target == SaveTarget::DocumentPath) m_app.AddRecentFile(path);
+    if (target == SaveTarget::DocumentPath) {
+        SavePlanetPaths(path);
+        m_app.AddRecentFile(path);
+    }
     ApplyTitle();
     return true;
 }

@@ -113,6 +113,11 @@ signals:
     void Identified(const QString& title, const QString& information);
     void TitleChanged();
 
+private:
+    // The planet paths plotted on this map, kept beside its file.
+    void LoadPlanetPaths(const QString& mapPath);
+    void SavePlanetPaths(const QString& mapPath);
+
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;

@@ -288,14 +288,16 @@ bool PlotPlanetPath(QWidget* parent, CMapWindow& window)
     auto* layer = window.Renderer().FindLayer<CBodyPathLayer>();
     if (layer == nullptr) return false;
     layer->Add(std::move(path));
-    window.RequestRedraw();
+    window.MapChanged();  // saved with the map (beside its file)
     return true;
 }
 
 void ClearPlanetPaths(CMapWindow& window)
 {
-    if (auto* layer = window.Renderer().FindLayer<CBodyPathLayer>()) layer->Clear();
-    window.RequestRedraw();
+    auto* layer = window.Renderer().FindLayer<CBodyPathLayer>();
+    if (layer == nullptr || layer->Paths().empty()) return;
+    layer->Clear();
+    window.MapChanged();
 }
 
 }  // namespace orv

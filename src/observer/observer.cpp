@@ -2,6 +2,7 @@
 // settings and the map-file block.
 
 #include "observer/observer.h"
+#include "observer/nutation.h"
 
 #include <erfa.h>
 
@@ -73,13 +74,6 @@ void MultiplyTransposeInPlace(const double m[3][3], double v[3])
     v[0] = x;
     v[1] = y;
     v[2] = z;
-}
-
-// out = a·b (out distinct from a and b).
-void MatrixProduct(const double a[3][3], const double b[3][3], double out[3][3])
-{
-    for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < 3; ++j) out[i][j] = a[i][0] * b[0][j] + a[i][1] * b[1][j] + a[i][2] * b[2][j];
 }
 
 bool PlausibleSite(double latitudeRad, double longitudeRad, double heightM)
@@ -185,16 +179,11 @@ const CObserverDoc::Cache& CObserverDoc::InstantCache() const
     SplitDate(c.jdUT, ut1, ut2);
     SplitDate(c.jdTT, tt1, tt2);
     eraPmat06(tt1, tt2, c.precession);
-    eraNut06a(tt1, tt2, &c.dPsiRad, &c.dEpsRad);
+    NutationForObserver(c.jdTT, c.dPsiRad, c.dEpsRad);
     c.meanObliquityRad = eraObl06(tt1, tt2);
     eraNumat(c.meanObliquityRad, c.dPsiRad, c.dEpsRad, c.nutation);
     c.gmstRad = eraGmst06(ut1, ut2, tt1, tt2);
-    // GAST from the bias-precession-nutation matrix already at hand: the
-    // Earth rotation angle less the equation of the origins (IERS
-    // Conventions 2010, eq. 5.30), as eraGst06a does after recomputing it.
-    double npb[3][3];
-    MatrixProduct(c.nutation, c.precession, npb);
-    c.gastRad = eraGst06(ut1, ut2, tt1, tt2, npb);
+    c.gastRad = eraAnp(c.gmstRad + EquationOfEquinoxesRad(c.jdTT, c.dPsiRad, c.meanObliquityRad));
     c.valid = true;
     return c;
 }
@@ -227,7 +216,7 @@ const CObserverDoc::NutationAt& CObserverDoc::NutationAtDate(double jdTT) const
     } else {
         double tt1, tt2;
         SplitDate(jdTT, tt1, tt2);
-        eraNut06a(tt1, tt2, &n.dPsiRad, &n.dEpsRad);
+        NutationForObserver(jdTT, n.dPsiRad, n.dEpsRad);
         n.meanObliquityRad = eraObl06(tt1, tt2);
         eraNumat(n.meanObliquityRad, n.dPsiRad, n.dEpsRad, n.matrix);
     }
@@ -239,12 +228,11 @@ double CObserverDoc::GastRadAt(double jdUT, double jdTT) const
 {
     if (!std::isfinite(jdUT) || !std::isfinite(jdTT)) return std::numeric_limits<double>::quiet_NaN();
     if (m_cache.valid && m_cache.jdUT == jdUT && m_cache.jdTT == jdTT) return m_cache.gastRad;
-    double npb[3][3];
-    MatrixProduct(NutationAtDate(jdTT).matrix, PrecessionAtDate(jdTT).matrix, npb);
+    const NutationAt& n = NutationAtDate(jdTT);
     double ut1, ut2, tt1, tt2;
     SplitDate(jdUT, ut1, ut2);
     SplitDate(jdTT, tt1, tt2);
-    return eraGst06(ut1, ut2, tt1, tt2, npb);
+    return eraAnp(eraGmst06(ut1, ut2, tt1, tt2) + EquationOfEquinoxesRad(jdTT, n.dPsiRad, n.meanObliquityRad));
 }
 
 // --- Sidereal time ------------------------------------------------------------

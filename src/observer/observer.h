@@ -11,7 +11,8 @@
 //     taken as UT1; |UT1 − UTC| < 0.9 s); dynamical time TT = UT + ΔT;
 //   - rectangular vectors are unit vectors, x toward the equinox, z toward
 //     the pole.
-// Precession and nutation follow the IAU 2006/2000A models through ERFA.
+// Precession follows IAU 2006 and nutation IAU 2000B (the full 2000A before
+// 1850 and after 2150) through ERFA; see observer/nutation.h.
 // Everything that depends only on the instant (precession and nutation
 // matrices, sidereal time) is computed once per instant and cached: a chart
 // asks for it thousands of times per redraw.
@@ -87,7 +88,8 @@ double LeapSecondTableEndJdUTC();
 
 // Greenwich mean sidereal time (IAU 2006, ERFA eraGmst06), radians in [0, 2π).
 double GreenwichMeanSiderealTimeRad(double jdUT, double jdTT);
-// Greenwich apparent sidereal time (IAU 2006/2000A, ERFA eraGst06a), radians in [0, 2π).
+// Greenwich apparent sidereal time (mean sidereal time IAU 2006 plus the equation
+// of the equinoxes, observer/nutation.h), radians in [0, 2π).
 double GreenwichApparentSiderealTimeRad(double jdUT, double jdTT);
 
 // Outcome of a rise/transit/set computation.
@@ -182,13 +184,13 @@ public:
     void PrecessXYZ(double v[3], int direction) const;
     void PrecessXYZ(double v[3], double jdTT, int direction) const;
     // Nutation from mean to true equator and equinox of the date (TT) or of
-    // `jdTT` (IAU 2000A, ERFA eraNut06a and eraNumat).
+    // `jdTT` (NutationForObserver in observer/nutation.h, ERFA eraNumat).
     void NutateXYZ(double v[3]) const;
     void NutateXYZ(double v[3], double jdTT) const;
     // The inverse: true to mean equator and equinox of date.
     void UnnutateXYZ(double v[3]) const;
     // Nutation in longitude and obliquity at the observer's date or at
-    // `jdTT`, radians (IAU 2000A as adjusted for IAU 2006, eraNut06a).
+    // `jdTT`, radians (NutationForObserver in observer/nutation.h).
     void NutationTerms(double& dPsiRad, double& dEpsRad) const;
     void NutationTerms(double jdTT, double& dPsiRad, double& dEpsRad) const;
     // Mean obliquity of the ecliptic of date (IAU 2006, eraObl06), radians.

@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "observer/observer.h"
+#include "observer/nutation.h"
 #include "util/angles.h"
 
 namespace orv {
@@ -318,13 +319,53 @@ double GreenwichMeanSiderealTimeRad(double jdUT, double jdTT)
     return eraGmst06(ut1, ut2, tt1, tt2);
 }
 
+void NutationIAU2000B2006(double jdTT, double& dPsiRad, double& dEpsRad)
+{
+    double tt1, tt2;
+    SplitDate(jdTT, tt1, tt2);
+    eraNut00b(tt1, tt2, &dPsiRad, &dEpsRad);
+    // The IAU 2006 adjustment of the 2000 nutation (Capitaine et al. 2005,
+    // A&A 432, 355; IERS Conventions 2010, eq. 5.35 ff.) for the secular
+    // change of J2 and the new obliquity, as eraNut06a applies it to 2000A.
+    const double t = ((tt1 - 2451545.0) + tt2) / 36525.0;  // Julian centuries TT from J2000
+    const double fj2 = -2.7774e-6 * t;
+    dPsiRad += dPsiRad * (0.4697e-6 + fj2);
+    dEpsRad += dEpsRad * fj2;
+}
+
+void NutationForObserver(double jdTT, double& dPsiRad, double& dEpsRad)
+{
+    constexpr double kFrom1850 = 2396758.5, kUntil2150 = 2506331.5;  // 1850 and 2150 January 1.0
+    if (jdTT >= kFrom1850 && jdTT < kUntil2150) {
+        NutationIAU2000B2006(jdTT, dPsiRad, dEpsRad);
+        return;
+    }
+    double tt1, tt2;
+    SplitDate(jdTT, tt1, tt2);
+    eraNut06a(tt1, tt2, &dPsiRad, &dEpsRad);
+}
+
+double EquationOfEquinoxesRad(double jdTT, double dPsiRad, double meanObliquityRad)
+{
+    // Δψ cos εA and the two largest complementary terms, 2640.96 µas sin Ω
+    // and 63.52 µas sin 2Ω (IERS Conventions 2010, eq. 5.37 and table 5.2e;
+    // the terms left out are below 12 µas each and 35 µas together).
+    constexpr double kMicroArcsecToRad = 4.84813681109536e-12;
+    const double t = (jdTT - 2451545.0) / 36525.0;
+    const double node = eraFaom03(t);  // mean longitude of the Moon's ascending node
+    return dPsiRad * std::cos(meanObliquityRad) +
+           (2640.96 * std::sin(node) + 63.52 * std::sin(2.0 * node)) * kMicroArcsecToRad;
+}
+
 double GreenwichApparentSiderealTimeRad(double jdUT, double jdTT)
 {
     if (!std::isfinite(jdUT) || !std::isfinite(jdTT)) return std::numeric_limits<double>::quiet_NaN();
     double ut1, ut2, tt1, tt2;
     SplitDate(jdUT, ut1, ut2);
     SplitDate(jdTT, tt1, tt2);
-    return eraGst06a(ut1, ut2, tt1, tt2);
+    double dPsi, dEps;
+    NutationForObserver(jdTT, dPsi, dEps);
+    return eraAnp(eraGmst06(ut1, ut2, tt1, tt2) + EquationOfEquinoxesRad(jdTT, dPsi, eraObl06(tt1, tt2)));
 }
 
 }  // namespace orv

@@ -35,6 +35,9 @@ std::span<const EarthOffsetTerm> EarthOffsetTerms(int coordinate);
 
 // The barycentre's offset from the Earth at jdTT, J2000 equatorial, AU.
 void EarthBarycentreOffset(double jdTT, double offsetAU[3]);
+// The same with its rate of change (AU per day), from the same sines and
+// cosines: what the Earth's velocity needs besides the barycentre's.
+void EarthBarycentreOffsetAndRate(double jdTT, double offsetAU[3], double rateAUPerDay[3]);
 
 // μ/(1 + μ) for the Moon/Earth mass ratio above.
 inline constexpr double kMoonMassFractionOfEarthMoon = 1.0 / (1.0 + 81.30056);

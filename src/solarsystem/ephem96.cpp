@@ -6,6 +6,7 @@
 #include "util/binaryio.h"
 #include "util/datapath.h"
 #include "util/dataproblems.h"
+#include "util/turntrig.h"
 
 namespace orv {
 
@@ -108,17 +109,26 @@ void CEphem96::Evaluate(int body, double jdTT, double xyzAU[3]) const
     const double tau = 2.0 * (jdTT - start) / b.lengthDays - 1.0;
     const double s = tau * b.lengthDays * 0.5;
     const Ephem96Body::Interval& interval = b.descriptors[static_cast<std::size_t>(k)];
-    // The frequencies are shared by x, y and z: each sine and cosine once.
+    // The frequencies are shared by x, y and z: each sine and cosine once,
+    // two at a time (util/turntrig.h; the angles in turns).
     constexpr int kMaxTerms = kEphem96MaxTerms;
+    constexpr double kTurnsPerRad = 0.15915494309189533577;
     double cosWs[3][kMaxTerms];
     double sinWs[3][kMaxTerms];
     for (std::size_t order = 0; order < 3; ++order) {
         const int m = std::min(b.termCount[order], kMaxTerms);
-        for (int j = 0; j < m; ++j) {
-            const double w = LoadLE<double>(b.omega[order] + 8 * j);
-            cosWs[order][j] = std::cos(w * s);
-            sinWs[order][j] = std::sin(w * s);
+        int j = 0;
+        for (; j + 1 < m; j += 2) {
+            const Double2 turns = {LoadLE<double>(b.omega[order] + 8 * j) * s * kTurnsPerRad,
+                                   LoadLE<double>(b.omega[order] + 8 * (j + 1)) * s * kTurnsPerRad};
+            Double2 sines, cosines;
+            SinCosTurns2(turns, sines, cosines);
+            sinWs[order][j] = sines[0];
+            sinWs[order][j + 1] = sines[1];
+            cosWs[order][j] = cosines[0];
+            cosWs[order][j + 1] = cosines[1];
         }
+        if (j < m) SinCosTurns(LoadLE<double>(b.omega[order] + 8 * j) * s * kTurnsPerRad, sinWs[order][j], cosWs[order][j]);
     }
     for (std::size_t c = 0; c < 3; ++c) {
         const std::uint8_t* a = interval.poly[c];

@@ -38,8 +38,13 @@ struct MoonEclipticPlace {
     double distanceKm = 0.0;
 };
 
-// Evaluates a block (normally MoonDataBlock()) at jdTT. The block must be
-// kMoonDataBytes long; a shorter one, or a non-finite date, gives NaN.
-MoonEclipticPlace EvaluateMoonBlock(std::span<const std::uint8_t> block, double jdTT);
+// Evaluates a block (normally MoonDataBlock(), decoded once and kept; any
+// other block is decoded at each call) at jdTT: the geometric place, no
+// light time. The block must be kMoonDataBytes long; a shorter one, or a
+// non-finite date, gives NaN. With `ratePerDay` also the rates of change of
+// the three coordinates, per day (degrees, degrees, km), from the same
+// sines and cosines: what the light time needs, at a small extra cost.
+MoonEclipticPlace EvaluateMoonBlock(std::span<const std::uint8_t> block, double jdTT,
+                                    MoonEclipticPlace* ratePerDay = nullptr);
 
 }  // namespace orv

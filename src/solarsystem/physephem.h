@@ -5,7 +5,7 @@
 // Meeus, Astronomical Algorithms, 2nd ed. (1998): ch. 43 (ephemeris for
 // physical observations of Jupiter) and ch. 45 (the ring of Saturn). The
 // planets' heliocentric places come from CPlanets (VSOP87D, FK5), the
-// nutation and obliquity from the observer (IAU 2000A/2006), so the results
+// nutation and obliquity from the observer (IAU 2000B/2006), so the results
 // differ from Meeus's printed ones by a few thousandths of a degree.
 //
 // Every date is a Julian date in dynamical time (TT).

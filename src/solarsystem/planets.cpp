@@ -26,6 +26,8 @@ constexpr double kSunSchwarzschildAU = 1.974e-8;
 // Earth's equatorial radius and flattening (WGS84), for the site's place.
 constexpr double kEarthRadiusKm = 6378.137;
 constexpr double kEarthFlattening = 1.0 / 298.257223563;
+// Half the span of the central difference that gives the Earth's velocity.
+constexpr double kEarthVelocityStepDays = 0.001;
 
 constexpr double kBodyRadiusKm[kBodyCount] = {1737.4,  2439.7,  6051.8,  695700.0, 3396.19,
                                               71492.0, 60268.0, 25559.0, 24764.0,  1188.3};
@@ -75,17 +77,21 @@ Vector3 SiteOfDate(const CObserverDoc& observer, double jdTT)
     return {rhoCos * std::cos(theta) * scale, rhoCos * std::sin(theta) * scale, rhoSin * scale};
 }
 
-// Shifts a unit direction of date at `distanceAU` from the geocentre to the
-// observer's site (diurnal parallax) and returns right ascension and
-// declination.
+// Shifts a place of date at `distanceAU` from the geocentre to the
+// observer's site (diurnal parallax and aberration).
 void ApplyParallax(const CObserverDoc& observer, double jdTT, double distanceAU, double& raRad, double& decRad)
 {
-    const Vector3 site = SiteOfDate(observer, jdTT);
-    const Vector3 geo{distanceAU * std::cos(decRad) * std::cos(raRad), distanceAU * std::cos(decRad) * std::sin(raRad),
-                      distanceAU * std::sin(decRad)};
-    const Vector3 topo = Sub(geo, site);
-    raRad = Mod2Pi(std::atan2(topo.y, topo.x));
-    decRad = std::atan2(topo.z, std::hypot(topo.x, topo.y));
+    TopocentricFromGeocentric(SiteOfDate(observer, jdTT), distanceAU, raRad, decRad);
+}
+
+// The site's velocity from the Earth's rotation, true equator of date, in
+// units of c: Ω × r, Ω the Earth's angular velocity (IERS Conventions 2010,
+// 7.292115e-5 rad/s).
+Vector3 SiteVelocityOverC(const Vector3& siteOfDateAU)
+{
+    constexpr double kEarthRotationRadPerDay = 7.292115e-5 * 86400.0;
+    const double scale = kEarthRotationRadPerDay / kLightAUPerDay;
+    return {-siteOfDateAU.y * scale, siteOfDateAU.x * scale, 0.0};
 }
 
 std::int16_t Centi(double magnitude)
@@ -181,10 +187,33 @@ PositionStatus CPlanets::HeliocentricPosition(const CObserverDoc& observer, int 
 bool CPlanets::EarthAt(const CObserverDoc& observer, double jdTT, Vector3& earth)
 {
     if (m_cacheObserver != &observer || jdTT != m_earthJdTT) {
-        if (HeliocentricPosition(observer, kBodyEarth, jdTT, nullptr, &m_earth) != PositionStatus::Ok) return false;
-        m_cacheObserver = &observer;
-        m_earthJdTT = jdTT;
-        m_velocityJdTT = std::numeric_limits<double>::quiet_NaN();
+        constexpr double h = kEarthVelocityStepDays;
+        const bool compact = jdTT - h >= kEphem96FirstJd && jdTT + h < kEphem96EndJd && m_ephem96 &&
+                             m_ephem96->Covers(kBodyEarth, jdTT - h) && m_ephem96->Covers(kBodyEarth, jdTT + h);
+        if (compact) {
+            // The compact ephemeris's barycentre at t and t ± h, less the
+            // offset of the Earth and its rate from one evaluation of the
+            // offset's series: position and velocity together.
+            double barycentre[3], before[3], after[3], offset[3], rate[3];
+            m_ephem96->Evaluate(kBodyEarth, jdTT, barycentre);
+            m_ephem96->Evaluate(kBodyEarth, jdTT - h, before);
+            m_ephem96->Evaluate(kBodyEarth, jdTT + h, after);
+            EarthBarycentreOffsetAndRate(jdTT, offset, rate);
+            m_earth = {barycentre[0] - offset[0], barycentre[1] - offset[1], barycentre[2] - offset[2]};
+            Vector3 velocity;
+            double* v = &velocity.x;
+            for (int c = 0; c < 3; ++c) v[c] = (after[c] - before[c]) / (2.0 * h) - rate[c];
+            m_earthVelocityOverC = Scale(velocity, 1.0 / kLightAUPerDay);
+            m_lorentzFactor = 1.0 / std::sqrt(1.0 - Dot(m_earthVelocityOverC, m_earthVelocityOverC));
+            m_cacheObserver = &observer;
+            m_earthJdTT = jdTT;
+            m_velocityJdTT = jdTT;
+        } else {
+            if (HeliocentricPosition(observer, kBodyEarth, jdTT, nullptr, &m_earth) != PositionStatus::Ok) return false;
+            m_cacheObserver = &observer;
+            m_earthJdTT = jdTT;
+            m_velocityJdTT = std::numeric_limits<double>::quiet_NaN();
+        }
     }
     earth = m_earth;
     return true;
@@ -194,12 +223,12 @@ double CPlanets::EarthVelocity(const CObserverDoc& observer, double jdTT)
 {
     if (m_cacheObserver == &observer && jdTT == m_velocityJdTT) return m_lorentzFactor;
     Vector3 before, after;
-    if (HeliocentricPosition(observer, kBodyEarth, jdTT - 0.001, nullptr, &before) != PositionStatus::Ok ||
-        HeliocentricPosition(observer, kBodyEarth, jdTT + 0.001, nullptr, &after) != PositionStatus::Ok)
+    if (HeliocentricPosition(observer, kBodyEarth, jdTT - kEarthVelocityStepDays, nullptr, &before) != PositionStatus::Ok ||
+        HeliocentricPosition(observer, kBodyEarth, jdTT + kEarthVelocityStepDays, nullptr, &after) != PositionStatus::Ok)
         return kNaN;
     // A central difference over 0.002 d: its error (v·(ωh)²/6, ω the orbital
     // rate) is 1e-12 of the velocity.
-    m_earthVelocityOverC = Scale(Sub(after, before), 1.0 / (kLightAUPerDay * 0.002));
+    m_earthVelocityOverC = Scale(Sub(after, before), 1.0 / (kLightAUPerDay * 2.0 * kEarthVelocityStepDays));
     m_lorentzFactor = 1.0 / std::sqrt(1.0 - Dot(m_earthVelocityOverC, m_earthVelocityOverC));
     if (m_cacheObserver == &observer && jdTT == m_earthJdTT) m_velocityJdTT = jdTT;
     return m_lorentzFactor;
@@ -222,9 +251,36 @@ PositionStatus CPlanets::PrepareApparentFrame(const CObserverDoc& observer, doub
         observer.NutateXYZ(axis, jdTT);
         for (int i = 0; i < 3; ++i) frame.j2000ToDate[i][j] = axis[i];
     }
-    frame.centre = centre;
-    if (centre == PlaceCentre::Topocentric) frame.siteOfDateAU = SiteOfDate(observer, jdTT);
+    frame.centre = PlaceCentre::Geocentric;
+    frame.siteOfDateAU = {};
+    if (centre == PlaceCentre::Topocentric) SetTopocentricSite(frame, SiteOfDate(observer, jdTT));
     return PositionStatus::Ok;
+}
+
+void SetTopocentricSite(ApparentFrame& frame, const Vector3& siteOfDateAU)
+{
+    frame.centre = PlaceCentre::Topocentric;
+    frame.siteOfDateAU = siteOfDateAU;
+    // The site's velocity to J2000 with the transpose of the rotation.
+    const Vector3 v = SiteVelocityOverC(siteOfDateAU);
+    const auto& m = frame.j2000ToDate;
+    frame.earthVelocityOverC.x += m[0][0] * v.x + m[1][0] * v.y + m[2][0] * v.z;
+    frame.earthVelocityOverC.y += m[0][1] * v.x + m[1][1] * v.y + m[2][1] * v.z;
+    frame.earthVelocityOverC.z += m[0][2] * v.x + m[1][2] * v.y + m[2][2] * v.z;
+    frame.lorentzFactor = 1.0 / std::sqrt(1.0 - Dot(frame.earthVelocityOverC, frame.earthVelocityOverC));
+}
+
+void TopocentricFromGeocentric(const Vector3& siteOfDateAU, double distanceAU, double& raRad, double& decRad)
+{
+    const Vector3 geo{distanceAU * std::cos(decRad) * std::cos(raRad), distanceAU * std::cos(decRad) * std::sin(raRad),
+                      distanceAU * std::sin(decRad)};
+    const Vector3 topo = Sub(geo, siteOfDateAU);
+    Vector3 p = Scale(topo, 1.0 / Length(topo));
+    // First-order aberration by the site's rotational velocity (|v|/c ≤ 1.6e-6).
+    const Vector3 v = SiteVelocityOverC(siteOfDateAU);
+    p = Sub(Add(p, v), Scale(p, Dot(p, v)));
+    raRad = Mod2Pi(std::atan2(p.y, p.x));
+    decRad = std::atan2(p.z, std::hypot(p.x, p.y));
 }
 
 PositionStatus ApparentPlaceOf(const ApparentFrame& frame, const HeliocentricJ2000Fn& position, SolarGravity gravity,
@@ -453,12 +509,19 @@ PositionStatus CPlanets::MoonPosition(const CObserverDoc& observer, double jdTT,
     if (!std::isfinite(jdTT)) return PositionStatus::InvalidInput;
     PlanetRecord& record = m_records[kBodyMoon];
     record.valid = false;
-    const MoonEclipticPlace moon = EvaluateMoonBlock(MoonDataBlock(), jdTT);
+    MoonEclipticPlace rate;
+    MoonEclipticPlace moon = EvaluateMoonBlock(MoonDataBlock(), jdTT, &rate);
     // So far from J2000 that the series' polynomials overflow (1e18 days),
     // the series gives no place.
     if (!std::isfinite(moon.lonDeg) || !std::isfinite(moon.latDeg) || !(moon.distanceKm > 0.0) ||
         !std::isfinite(moon.distanceKm))
         return PositionStatus::NoSource;
+    // The light time, to first order in the Moon's motion (the neglected
+    // second-order term is below 1e-6″).
+    const double lightTimeDays = moon.distanceKm / (kLightAUPerDay * kAstronomicalUnitKmIAU2012);
+    moon.lonDeg -= lightTimeDays * rate.lonDeg;
+    moon.latDeg -= lightTimeDays * rate.latDeg;
+    moon.distanceKm -= lightTimeDays * rate.distanceKm;
     double dPsi, dEps;
     observer.NutationTerms(jdTT, dPsi, dEps);
     const double eps = observer.MeanObliquity(jdTT) + dEps;

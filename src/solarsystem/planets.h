@@ -84,10 +84,11 @@ enum class PositionStatus { Ok, NoSource, InvalidInput };
 
 // What the apparent-place reduction needs of an instant, made once and
 // shared by every body reduced at it: the Earth's heliocentric J2000
-// position (AU) and velocity (units of c) with its Lorentz factor, the
-// rotation from J2000 to the true equator and equinox of date (IAU 2006
-// precession, IAU 2000A nutation) and, for topocentric places, the site's
-// geocentric position of date (AU).
+// position (AU) and velocity (units of c; for topocentric places the
+// site's, with the Earth's rotation) with its Lorentz factor, the rotation
+// from J2000 to the true equator and equinox of date (IAU 2006 precession,
+// IAU 2000B nutation) and, for topocentric places, the site's geocentric
+// position of date (AU).
 struct ApparentFrame {
     double jdTT = 0.0;
     Vector3 earthJ2000{};
@@ -97,6 +98,20 @@ struct ApparentFrame {
     PlaceCentre centre = PlaceCentre::Geocentric;
     Vector3 siteOfDateAU{};
 };
+
+// Makes `frame` (its rotation already set) topocentric for a site at
+// `siteOfDateAU` (geocentric, true equator and equinox of date, AU): the
+// places become the site's (diurnal parallax), and the site's velocity from
+// the Earth's rotation joins the Earth's in the aberration (diurnal
+// aberration, up to 0.32″ × cos φ toward the east; Explanatory Supplement
+// §3.26).
+void SetTopocentricSite(ApparentFrame& frame, const Vector3& siteOfDateAU);
+
+// A geocentric apparent place of date at `distanceAU` seen from the site at
+// `siteOfDateAU` instead (true equator and equinox of date): the diurnal
+// parallax, then the diurnal aberration. For the Moon, whose place is not
+// reduced through ApparentPlaceOf.
+void TopocentricFromGeocentric(const Vector3& siteOfDateAU, double distanceAU, double& raRad, double& decRad);
 
 // The apparent place of a heliocentric body and the geometry that goes with it.
 struct ApparentPlace {
@@ -167,9 +182,9 @@ public:
     // Apparent place of a planet (1, 2, 4–9) or the Sun (3) at jdTT: light
     // time (two passes, with the Sun's gravitational delay), gravitational
     // deflection by the Sun, annual aberration (relativistic, with the
-    // Lorentz factor), precession (IAU 2006) and nutation (IAU 2000A) to the
+    // Lorentz factor), precession (IAU 2006) and nutation (IAU 2000B) to the
     // true equator and equinox of date; with Topocentric the diurnal
-    // parallax for the observer's site. Fills the body's record (distances,
+    // parallax and aberration for the observer's site. Fills the body's record (distances,
     // light time, phase, elongation, diameter, magnitude). Explanatory
     // Supplement to the Astronomical Almanac (1992), §3.3.
     PositionStatus ApparentPosition(const CObserverDoc& observer, int body, double jdTT, double& raRad, double& decRad,
@@ -181,7 +196,10 @@ public:
                                         ApparentFrame& frame);
 
     // Geocentric (or topocentric) apparent place of the Moon from the
-    // built-in ELP/MPP02 series, distance in km; fills record 0.
+    // built-in ELP/MPP02 series, distance in km; fills record 0. The Moon is
+    // taken where it was a light time earlier (some 1.3 s, 0.7″ along its
+    // orbit), which with the aberration of the Earth's own motion, nearly
+    // equal and opposite, is the apparent geocentric direction.
     PositionStatus MoonPosition(const CObserverDoc& observer, double jdTT, double& raRad, double& decRad,
                                 double& distanceKm, PlaceCentre centre);
 

@@ -18,7 +18,10 @@
 #include "app/mapwindow.h"
 #include "app/visiblestars.h"
 #include "app/qtsettingsstore.h"
+#include "map/mapdoc.h"
 #include "map/mapview.h"
+#include "solarsystem/bodypathfile.h"
+#include "solarsystem/drawbodypath.h"
 #include "support/compare.h"
 #include "util/angles.h"
 
@@ -76,6 +79,41 @@ TEST(MainFrame, OpeningAnOpenMapBringsItsWindowForward)
     EXPECT_EQ(f.frame.ActiveMap(), opened);
     EXPECT_EQ(f.frame.Maps().size(), 3);
     EXPECT_NEAR(opened->View().coordinates.CentreRaJ2000Rad(), 83.82 * kRadPerDeg, 1e-9);
+}
+
+TEST(MapWindow, PlanetPathsAreSavedBesideTheMapAndComeBackWithIt)
+{
+    Fixture f;
+    CMapWindow* w = f.frame.NewMap();
+    const std::string path = (std::filesystem::path(f.dir) / "Mars2027.ovm").string();
+    BodyPath mars;
+    mars.body = kBodyMars;
+    mars.tickStepDays = 5.0;
+    mars.points = {{2461400.5, 2.1, 0.3, -1.2, true}, {2461401.5, 2.11, 0.301, -1.21, false}};
+    w->Renderer().FindLayer<CBodyPathLayer>()->Add(mars);
+    w->Doc().pathName = path;
+    ASSERT_TRUE(w->Save());
+    ASSERT_TRUE(std::filesystem::exists(BodyPathsFilePath(path)));
+
+    CMapWindow* opened = f.frame.OpenMap(QString::fromStdString(path));
+    ASSERT_NE(opened, nullptr);
+    if (opened == w) {  // the frame brought the same window forward: open a fresh one
+        CMapWindow fresh(f.context);
+        ASSERT_TRUE(fresh.LoadFromFile(QString::fromStdString(path)).Ok());
+        const auto& paths = fresh.Renderer().FindLayer<CBodyPathLayer>()->Paths();
+        ASSERT_EQ(paths.size(), 1u);
+        EXPECT_EQ(paths[0].points[1].raJ2000Rad, 2.11);
+    } else {
+        const auto& paths = opened->Renderer().FindLayer<CBodyPathLayer>()->Paths();
+        ASSERT_EQ(paths.size(), 1u);
+        EXPECT_EQ(paths[0].body, kBodyMars);
+        EXPECT_EQ(paths[0].points[1].raJ2000Rad, 2.11);
+    }
+
+    // Without paths the sidecar goes with the next save.
+    w->Renderer().FindLayer<CBodyPathLayer>()->Clear();
+    ASSERT_TRUE(w->Save());
+    EXPECT_FALSE(std::filesystem::exists(BodyPathsFilePath(path)));
 }
 
 TEST(MainFrame, ABadFileOpensNoWindow)

@@ -1,18 +1,24 @@
-// Precession and nutation (IAU 2006/2000A through ERFA) against Meeus,
+// Precession and nutation (IAU 2006 and IAU 2000B through ERFA) against Meeus,
 // Astronomical Algorithms, 2nd ed., Examples 21.b and 22.a, which use the
 // IAU 1976 precession and the IAU 1980 nutation; the tolerances state what
 // the change of model accounts for.
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <erfa.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "observer/nutation.h"
 #include "observer/observer.h"
 #include "support/compare.h"
 #include "util/angles.h"
 
 using namespace orv;
 using orv::test::kArcsecFromRad;
+using orv::test::kMasFromRad;
 
 namespace {
 
@@ -98,6 +104,32 @@ TEST(Nutation, MeeusExample22a)
     EXPECT_NEAR_UNIT(dEps, dEpsAt, 1e-6 * kRadPerArcsec, kArcsecFromRad);
     EXPECT_NEAR_UNIT(Dms(23, 26, 36.850), doc.TrueObliquity(), 0.06 * kRadPerArcsec, kArcsecFromRad);
     EXPECT_NEAR_UNIT(doc.MeanObliquity(jdTT), doc.MeanObliquity(), 1e-6 * kRadPerArcsec, kArcsecFromRad);
+}
+
+TEST(Nutation, TheShortSeriesFollowsTheFullIAU2000AModel)
+{
+    // The observer's nutation is IAU 2000B (77 luni-solar terms and a fixed
+    // planetary offset) with the IAU 2006 adjustment, for speed; against the
+    // full IAU 2000A series with the same adjustment (ERFA eraNut06a, 1,365
+    // terms), at 2,000 dates 36.53 days apart over 1900–2100 (a step
+    // incommensurate with the lunar and solar periods, so every phase of the
+    // terms is sampled). McCarthy & Luzum (2003) give 1 mas over 1995–2050;
+    // measured here over the two centuries: Δψ within 2.75 mas, Δε within
+    // 1.07 mas. The equinox and the pole of date move by under 3 mas, 0.3 %
+    // of the 1″ goal of the planets' places.
+    double worstPsi = 0.0, worstEps = 0.0;
+    for (int k = 0; k < 2000; ++k) {
+        const double jdTT = 2415020.5 + 36.53 * k;
+        double dPsiA, dEpsA, dPsiB, dEpsB;
+        eraNut06a(2451545.0, jdTT - 2451545.0, &dPsiA, &dEpsA);
+        NutationIAU2000B2006(jdTT, dPsiB, dEpsB);
+        worstPsi = std::max(worstPsi, std::fabs(dPsiA - dPsiB));
+        worstEps = std::max(worstEps, std::fabs(dEpsA - dEpsB));
+    }
+    EXPECT_NEAR_UNIT(0.0, worstPsi, 3.0e-3 * kRadPerArcsec, kMasFromRad);
+    EXPECT_NEAR_UNIT(0.0, worstEps, 1.2e-3 * kRadPerArcsec, kMasFromRad);
+    std::printf("IAU 2000B against 2000A, 1900-2100: dPsi %.3f mas, dEps %.3f mas\n", worstPsi * kMasFromRad.perValue,
+                worstEps * kMasFromRad.perValue);
 }
 
 TEST(Nutation, MovesTheEquinoxByDeltaPsiAlongTheEcliptic)

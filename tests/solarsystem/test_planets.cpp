@@ -101,27 +101,36 @@ TEST_F(PlanetPlaces, SaturnRingsOfMeeusExample45a)
     EXPECT_NEAR_UNIT(4.198 * kDeg, saturn.ringDeltaURad, 0.003 * kDeg, kDegFromRad);
 }
 
-TEST_F(PlanetPlaces, TopocentricShiftIsTheDiurnalParallax)
+TEST_F(PlanetPlaces, TopocentricShiftIsTheDiurnalParallaxAndAberration)
 {
-    // Mars near its 2003 opposition (0.373 AU; horizontal parallax 23.6″):
-    // seen from the equator on the meridian at transit the topocentric place
-    // is lower by the full parallax times sin of the zenith distance.
+    // Mars near its 2003 opposition (0.373 AU; horizontal parallax 23.6″),
+    // seen from the equator as it crosses the meridian: the parallax moves it
+    // away from the zenith along the meridian by π·sin z (a change of
+    // declination only), and
+    // the site's eastward speed from the Earth's rotation, ωR/c = 0.3200″
+    // (ω = 7.292115e-5 rad/s, R = 6378.137 km), moves it toward the east
+    // point, 90° away: a change of right ascension only, 0.3200″ on the sky.
     CObserverDoc site;
     site.SetSite("Equator", 0.0, 0.0, 0.0);
-    const double jdTT = 2452878.5;  // 2003 August 28.0 TD
+    double jdTT = 2452878.5;  // 2003 August 28.0 TD, then the transit near it
     double ra = 0.0, dec = 0.0, raTopo = 0.0, decTopo = 0.0;
+    for (int pass = 0; pass < 3; ++pass) {
+        ASSERT_EQ(m_planets.ApparentPosition(site, kBodyMars, jdTT, ra, dec, PlaceCentre::Geocentric),
+                  PositionStatus::Ok);
+        const double hourAngle = std::remainder(site.LAST(jdTT) * 15.0 * kDeg - ra, 2.0 * 3.14159265358979323846);
+        jdTT -= hourAngle / (2.0 * 3.14159265358979323846) * 0.99727;
+    }
     ASSERT_EQ(m_planets.ApparentPosition(site, kBodyMars, jdTT, ra, dec, PlaceCentre::Geocentric), PositionStatus::Ok);
     const double distance = m_planets.Record(kBodyMars).earthDistance;
     ASSERT_EQ(m_planets.ApparentPosition(site, kBodyMars, jdTT, raTopo, decTopo, PlaceCentre::Topocentric),
               PositionStatus::Ok);
     const double parallax = std::asin(6378.137 / (distance * kAstronomicalUnitKmIAU2012));
-    const double hourAngle = site.LAST(jdTT) * 15.0 * kDeg - ra;
-    const double cosZ = std::cos(dec) * std::cos(hourAngle);  // site at latitude 0
-    const double shift = std::acos(std::clamp(std::sin(dec) * std::sin(decTopo) +
-                                                  std::cos(dec) * std::cos(decTopo) * std::cos(ra - raTopo),
-                                              -1.0, 1.0));
-    // The displacement is π·sin z to first order (0.01″ here).
-    EXPECT_NEAR_UNIT(parallax * std::sqrt(1.0 - cosZ * cosZ), shift, 0.05 * kArcsec, kArcsecFromRad);
+    const double zenithDistance = std::fabs(dec);  // on the meridian, from latitude 0
+    // To first order in π (0.01″ here); the rotation's aberration to 0.002″.
+    EXPECT_NEAR_UNIT(dec + parallax * std::sin(zenithDistance) * (dec > 0.0 ? 1.0 : -1.0), decTopo,
+                     0.02 * kArcsec, kArcsecFromRad);
+    EXPECT_NEAR_UNIT(0.3200 * kArcsec, std::remainder(raTopo - ra, 2.0 * 3.14159265358979323846) * std::cos(dec),
+                     0.005 * kArcsec, kArcsecFromRad);
 }
 
 // The Earth's heliocentric J2000 position against an independent series:
