@@ -522,6 +522,10 @@ PositionStatus CPlanets::MoonPosition(const CObserverDoc& observer, double jdTT,
     moon.lonDeg -= lightTimeDays * rate.lonDeg;
     moon.latDeg -= lightTimeDays * rate.latDeg;
     moon.distanceKm -= lightTimeDays * rate.distanceKm;
+    // The rates overflow before the places do.
+    if (!std::isfinite(moon.lonDeg) || !std::isfinite(moon.latDeg) || !(moon.distanceKm > 0.0) ||
+        !std::isfinite(moon.distanceKm))
+        return PositionStatus::NoSource;
     double dPsi, dEps;
     observer.NutationTerms(jdTT, dPsi, dEps);
     const double eps = observer.MeanObliquity(jdTT) + dEps;
