@@ -413,10 +413,65 @@ void LabelGrid(DrawContext& ctx, const GridLines& grid)
 
 enum class GridPass { LinesOnly, LinesAndLabels };
 
+// Where the ground below the horizon is filled, the sky's grids stop at the
+// horizon, as they would under a ground laid over them: the parts of their
+// lines below it are cut away (and not stroked, which on a wide horizon
+// chart is nearly half of their pixels), and labels at border crossings
+// below it are dropped. The horizon is the mathematical one the ground fill
+// uses, Side() = 0, which along a straight screen segment is a quadratic in
+// the segment's parameter; the crossing is found by bisection.
+void CutAtGround(const DrawContext& ctx, GridLines& grid)
+{
+    const CGroundTest ground(ctx.frame);
+    const CCoordinates& co = ctx.coords;
+    const auto side = [&](const ScreenPoint& q) { return ground.Side(co.ScreenToPlane(q.x, q.y)); };
+    for (GridLines::Line& line : grid.lines) {
+        std::vector<std::vector<ScreenPoint>> kept;
+        for (const std::vector<ScreenPoint>& poly : line.curve.polylines) {
+            std::vector<ScreenPoint> run;
+            double sPrev = 0.0;
+            for (std::size_t i = 0; i < poly.size(); ++i) {
+                const double sNow = side(poly[i]);
+                if (i > 0 && (sPrev >= 0.0) != (sNow >= 0.0)) {
+                    // The crossing between poly[i-1] and poly[i].
+                    double lo = 0.0, hi = 1.0;
+                    const ScreenPoint a = poly[i - 1], b = poly[i];
+                    for (int k = 0; k < 30; ++k) {
+                        const double mid = 0.5 * (lo + hi);
+                        const double sMid = side({a.x + mid * (b.x - a.x), a.y + mid * (b.y - a.y)});
+                        if ((sMid >= 0.0) == (sPrev >= 0.0))
+                            lo = mid;
+                        else
+                            hi = mid;
+                    }
+                    const double t = 0.5 * (lo + hi);
+                    const ScreenPoint cross{a.x + t * (b.x - a.x), a.y + t * (b.y - a.y)};
+                    if (sPrev >= 0.0) {
+                        run.push_back(cross);  // going under: the run ends here
+                        if (run.size() > 1) kept.push_back(std::move(run));
+                        run.clear();
+                    } else {
+                        run.push_back(cross);  // coming up: a run starts here
+                    }
+                }
+                if (sNow >= 0.0) run.push_back(poly[i]);
+                sPrev = sNow;
+            }
+            if (run.size() > 1) kept.push_back(std::move(run));
+        }
+        line.curve.polylines = std::move(kept);
+        std::erase_if(line.curve.crossings, [&](const BorderCrossing& c) { return side(c.point) < 0.0; });
+    }
+}
+
 void DrawGrid(DrawContext& ctx, GridKind kind, const CGridData& data, int state, GridPass pass)
 {
     if (state <= 0) return;
-    const GridLines lines = TraceGrid(ctx, kind, data);
+    GridLines lines = TraceGrid(ctx, kind, data);
+    // The horizon grid's own lines below the horizon stay (its negative
+    // altitudes are worth reading on the ground); the ground is filled in
+    // its first pass whenever the solid horizon is on at this level.
+    if (kind != GridKind::AltAz && ctx.view.altAzGrid.solidHorizon != 0) CutAtGround(ctx, lines);
     StrokeGrid(ctx, kind, lines, state);
     if (pass == GridPass::LinesAndLabels && data.labelVisible != 0) LabelGrid(ctx, lines);
 }

@@ -258,6 +258,46 @@ TEST(ChartPixels, GroundBelowTheHorizon)
     EXPECT_EQ(image.pixel(3, 3), Background());
 }
 
+// Where the ground is filled, the sky's grids stop at the horizon, as the
+// ground would cover them if it were laid over them: on the zenith chart the
+// right ascension and declination grid changes no pixel of the ground (3
+// pixels beyond the horizon circle) and many of the sky, while the same grid
+// without the solid horizon crosses the ground too.
+TEST(ChartPixels, SkyGridsStopAtTheFilledGround)
+{
+    CSmallCatalogueChart chart;
+    CMapView& v = chart.View();
+    DiscsOnly(v);
+    v.raDecGrid.first = {0, 9};
+    chart.Doc().raDecGrid.labelVisible = 0;  // lines only: labels may straddle the horizon
+    v.SetLevel(0, CMapView::TakeField::Yes);
+    v.coordinates.SetCentreAltAz(chart.Doc().observer, kHalfPi, kPi);
+    const auto render = [&](bool grid, bool solidGround) {
+        v.raDecGrid.visible = grid ? 1 : 0;
+        v.altAzGrid.solidHorizonLevels = solidGround ? LevelRange{0, 2} : LevelRange{-1, -1};
+        v.SetLevel(0, CMapView::TakeField::No);
+        return chart.Render();
+    };
+    // Pixels that differ between two renders, on the ground or in the sky.
+    const auto changed = [&](const QImage& a, const QImage& b, bool onGround) {
+        const double cx = 0.5 * chart.Width(), cy = 0.5 * chart.Height(), r = 0.5 * chart.Height();
+        int n = 0;
+        for (int y = 0; y < a.height(); ++y)
+            for (int x = 0; x < a.width(); ++x) {
+                const double d = std::hypot(x + 0.5 - cx, y + 0.5 - cy);
+                if (onGround ? d < r + 3.0 : d > r - 3.0) continue;
+                n += a.pixel(x, y) != b.pixel(x, y);
+            }
+        return n;
+    };
+    const QImage bare = render(false, true), gridded = render(true, true);
+    ASSERT_GT(v.raDecGrid.state, 0);
+    ASSERT_EQ(v.altAzGrid.solidHorizon, 1);
+    EXPECT_EQ(changed(bare, gridded, true), 0);
+    EXPECT_GT(changed(bare, gridded, false), 500);
+    EXPECT_GT(changed(render(false, false), render(true, false), true), 500);
+}
+
 TEST(ChartPixels, RedNightVisionHasNoGreenOrBlue)
 {
     CSmallCatalogueChart chart;  // grids, labels, marks, compass: everything
