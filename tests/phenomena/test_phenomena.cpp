@@ -13,7 +13,9 @@
 #include "observer/observer.h"
 #include "phenomena/phenomena.h"
 #include "solarsystem/planets.h"
+#include "phenomena/phenomenasupport.h"
 #include "support/compare.h"
+#include "util/angles.h"
 #include "util/datapath.h"
 #include "util/resulttable.h"
 
@@ -23,25 +25,10 @@ namespace {
 using test::kSame;
 using test::kSecondsFromDays;
 
-constexpr double kMinute = 1.0 / 1440.0;
 
-bool HaveEphemeris()
-{
-    CPlanets planets;
-    CObserverDoc observer;
-    double ra = 0.0, dec = 0.0;
-    return planets.ApparentPosition(observer, kBodySun, 2451545.0, ra, dec, PlaceCentre::Geocentric) ==
-           PositionStatus::Ok;
-}
-#define REQUIRE_EPHEMERIS()                                                                 \
-    if (!HaveEphemeris())                                                                   \
-    GTEST_SKIP() << "no planetary ephemeris in the data folder (" << GetDataPath()          \
-                 << "); build it with tools/build-data.sh"
-
-double JdUT(int y, int mo, int d, int h, int mi)
-{
-    return CObserverDoc::JulianDate(y, mo, d + (h + mi / 60.0) / 24.0);
-}
+using test::HaveEphemeris;
+using test::JdUT;
+using test::kMinute;
 
 PhenomenaOutcome Search(PhenomenonKind kind, std::vector<PhenomenonBody> bodies, double jdUTStart, double days,
                         double stepHours = 1.0)

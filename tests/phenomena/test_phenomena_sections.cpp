@@ -18,7 +18,9 @@
 #include "observer/observer.h"
 #include "phenomena/phenomena.h"
 #include "solarsystem/planets.h"
+#include "phenomena/phenomenasupport.h"
 #include "support/compare.h"
+#include "util/angles.h"
 #include "util/datapath.h"
 #include "util/resulttable.h"
 
@@ -27,32 +29,16 @@ namespace {
 
 using test::kSecondsFromDays;
 
-constexpr double kMinute = 1.0 / 1440.0;
-constexpr double kRadPerDegree = 0.017453292519943295;
 
-bool HaveEphemeris()
-{
-    CPlanets planets;
-    CObserverDoc observer;
-    double ra = 0.0, dec = 0.0;
-    return planets.ApparentPosition(observer, kBodySun, 2451545.0, ra, dec, PlaceCentre::Geocentric) ==
-           PositionStatus::Ok;
-}
-#define REQUIRE_EPHEMERIS()                                                                 \
-    if (!HaveEphemeris())                                                                   \
-    GTEST_SKIP() << "no planetary ephemeris in the data folder (" << GetDataPath()          \
-                 << "); build it with tools/build-data.sh"
-
-double JdUT(int y, int mo, int d, int h, int mi)
-{
-    return CObserverDoc::JulianDate(y, mo, d + (h + mi / 60.0) / 24.0);
-}
+using test::HaveEphemeris;
+using test::JdUT;
+using test::kMinute;
 
 // The Moon's appulse to Mars on 2022 December 8 seen from a site.
 PhenomenonEvent MarsOccultationFrom(double latDeg, double lonDeg)
 {
     CObserverDoc observer;
-    observer.SetSite("test", latDeg * kRadPerDegree, lonDeg * kRadPerDegree, 200.0);
+    observer.SetSite("test", latDeg * kRadPerDeg, lonDeg * kRadPerDeg, 200.0);
     PhenomenaRequest r;
     r.kind = PhenomenonKind::Appulse;
     r.bodies = {PhenomenonBody::Planet(kBodyMoon), PhenomenonBody::Planet(kBodyMars)};
@@ -82,7 +68,7 @@ TEST(PhenomenaSite, LunarOccultationOfMars2022)
     EXPECT_FALSE(miami.siteOccultation) << miami.siteInfo;
     EXPECT_TRUE(miami.siteMoonUp);
     EXPECT_GT(miami.siteClosestSeparationRad, 0.0);
-    EXPECT_LT(miami.siteClosestSeparationRad, 1.0 * kRadPerDegree);
+    EXPECT_LT(miami.siteClosestSeparationRad, 1.0 * kRadPerDeg);
 
     // Sydney (33.87° S, 151.21° E): mid-afternoon there, the full Moon
     // below the horizon; the geocentric event is the same for every site.
