@@ -314,13 +314,21 @@ int RunMinorChart(Context& ctx)
         view.coordinates.SetCentreRaDec(doc.observer, s.raJ2000Rad, s.decJ2000Rad);
     }
     // Both kinds shown at every level, with labels, whatever the stored
-    // display settings say.
+    // display settings say, down to half a magnitude fainter than the body
+    // itself: the body and whatever comparable bodies share its field, not
+    // every faint numbered asteroid of the catalogue with its label.
+    const int targetCenti = s.place.magnitudeCenti;
     for (CBodyDisplay* d : {&view.comets, &view.asteroids}) {
         d->visible = 1;
         d->levels = {0, 9};
         d->labelLevels = {0, 9};
-        d->magLimit = std::max(d->magLimit, 3000);
+        d->magLimit = targetCenti < 9999 ? targetCenti + 50 : 3000;
     }
+    // A finder chart shows the body wherever it is: a comet under the
+    // horizon at the chart's instant (in daylight, say) would otherwise lie
+    // hidden under the filled ground. The horizon line still shows where
+    // the ground is.
+    view.altAzGrid.solidHorizonLevels = LevelRange{};
     view.SetLevel(view.Level(), CMapView::TakeField::No);
     const double jdTT = doc.observer.JulianDateTDT();
     MinorPathRequest path;
