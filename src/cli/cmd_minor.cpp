@@ -386,7 +386,9 @@ ORV_CLI_COMMAND("minor chart", "draw a chart centred on a comet or an asteroid w
                 "  --days N        the path's span, centred on the chart's instant (default 30)\n"
                 "  --step D        days between the path's ticks (default 1)\n"
                 "  --label-every K a date at every K-th tick (default 5; 0 for none)\n"
-                "The chart is centred on the body (30° field unless --field or --level is given).\n",
+                "The chart is centred on the body (30° field unless --field or --level is given). The ground is\n"
+                "not filled, so that a body under the horizon still shows; other comets and asteroids are drawn\n"
+                "and labelled down to half a magnitude fainter than the body.\n",
                 RunMinorChart);
 
 ORV_CLI_COMMAND("minor import", "add the elements of an MPC file (MPCORB, CometEls.txt) or a catalogue to the catalogues",
