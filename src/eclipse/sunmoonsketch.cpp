@@ -177,17 +177,32 @@ SunMoonPlaces SunMoonSketch(double jdTT, double dPsiRad, double trueObliquityRad
     return ToEquatorial(SketchEcliptic(jdTT, dPsiRad), trueObliquityRad);
 }
 
-bool CAnchoredSunMoon::Anchor(const double* jdTT, int count)
+bool CAnchoredSunMoon::Anchor(const double* jdTT, int count) { return AnchorWith(jdTT, count, false); }
+
+bool CAnchoredSunMoon::AnchorQuickSun(double jdTT) { return AnchorWith(&jdTT, 1, true); }
+
+bool CAnchoredSunMoon::AnchorWith(const double* jdTT, int count, bool quickSun)
 {
     if (count < 1 || count > 3) return false;
     m_count = count;
-    double dEps = 0.0;
-    eraNut00b(kJ2000, jdTT[0] - kJ2000, &m_dPsi, &dEps);
-    m_eps = eraObl06(kJ2000, jdTT[0] - kJ2000) + dEps;
     for (int i = 0; i < count; ++i) {
         const auto n = static_cast<std::size_t>(i);
         m_jd[n] = jdTT[i];
-        if (!SunMoonAt(jdTT[i], m_exact[n])) return false;
+        if (!(quickSun ? SunMoonAtQuickSun(jdTT[i], m_exact[n]) : SunMoonAt(jdTT[i], m_exact[n]))) return false;
+        if (i == 0) {
+            // The sketch takes the nutation at the first anchor: the exact
+            // places' own when they were taken at that very instant (they
+            // usually were: the first anchor starts an eclipse), else anew.
+            const SunMoonNutation last = LastSunMoonNutation();
+            if (last.jdTT == jdTT[0]) {
+                m_dPsi = last.dPsiRad;
+                m_eps = last.trueObliquityRad;
+            } else {
+                double dEps = 0.0;
+                eraNut00b(kJ2000, jdTT[0] - kJ2000, &m_dPsi, &dEps);
+                m_eps = eraObl06(kJ2000, jdTT[0] - kJ2000) + dEps;
+            }
+        }
         const Ecliptic exact = ToEcliptic(m_exact[n], m_eps);
         const Ecliptic sketch = SketchEcliptic(jdTT[i], m_dPsi);
         for (std::size_t c = 0; c < 6; ++c) {

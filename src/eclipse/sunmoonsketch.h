@@ -37,6 +37,9 @@ public:
     // most). False when the ephemeris is unavailable.
     bool Anchor(const double* jdTT, int count);
     bool Anchor(double jdTT) { return Anchor(&jdTT, 1); }
+    // One anchor from SunMoonAtQuickSun instead (the Sun from the larger
+    // VSOP87D terms only: within 0.36″ of the exact places).
+    bool AnchorQuickSun(double jdTT);
     // No anchor: At gives the sketch itself (errors of tens of arcseconds),
     // for screening only. The nutation is taken at jdTT.
     void SketchOnly(double jdTT);
@@ -50,6 +53,8 @@ public:
     const SunMoonPlaces& Exact(int i) const { return m_exact[static_cast<std::size_t>(i)]; }
 
 private:
+    bool AnchorWith(const double* jdTT, int count, bool quickSun);
+
     int m_count = 0;
     std::array<double, 3> m_jd{};
     std::array<SunMoonPlaces, 3> m_exact{};

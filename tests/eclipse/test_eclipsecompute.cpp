@@ -201,6 +201,35 @@ TEST(EclipseCompute, AnchoredSketchFollowsTheExactPlaces)
 
 // A century's scan lists no syzygy twice (a re-centred refinement of two
 // neighbouring guesses must not land on the same eclipse).
+// The tables are computed with the quick Sun and, near an edge, again with
+// the exact places: every record must come out as the exact computation
+// alone gives it. −650 … −601 is where the quick Sun strays most (the
+// omitted terms of powers t and t² weigh most far from J2000); 1951 … 2000
+// is the modern era.
+TEST(EclipseCompute, QuickSunGivesTheExactRecords)
+{
+    REQUIRE_EPHEMERIS();
+    for (const int first : {-650, 1951}) {
+        const EclipseList list = FindEclipses(first, first + 49, EclipseKinds::Both);
+        ASSERT_GT(list.events.size(), 200u);
+        for (const EclipseEvent& quick : list.events) {
+            const std::optional<EclipseEvent> exact = EclipseAtSyzygyNear(quick.jdTT, quick.kind);
+            ASSERT_TRUE(exact.has_value()) << quick.jdTT;
+            SCOPED_TRACE(std::to_string(exact->jdTT));
+            EXPECT_EQ(quick.type, exact->type);
+            EXPECT_EQ(std::lround((quick.jdTT - 0.5) * 1440.0), std::lround((exact->jdTT - 0.5) * 1440.0));
+            // The magnitude the tables keep: penumbral for a penumbral eclipse.
+            auto kept = [](const EclipseEvent& e) {
+                return std::lround(100.0 * (e.kind == EclipseKind::Lunar && e.type == 'N' ? e.penumbralMagnitude
+                                                                                       : e.magnitude));
+            };
+            EXPECT_EQ(kept(quick), kept(*exact));
+            // The quick Sun's own error: under a second of time.
+            EXPECT_NEAR_UNIT(exact->jdTT, quick.jdTT, 1.0 / 86400.0, kSecondsFromDays);
+        }
+    }
+}
+
 TEST(EclipseCompute, CenturyHasNoDuplicates)
 {
     REQUIRE_EPHEMERIS();
