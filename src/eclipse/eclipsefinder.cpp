@@ -151,6 +151,52 @@ double MagnitudeRoundingEdge(double magnitude)
     return std::fabs(h - std::floor(h) - 0.5) / 100.0;
 }
 
+// The least distance from a point (x, y) outside the ellipse
+// x² + (y/ρ)² = 1 to it: Newton's iteration on the eccentric angle θ of the
+// nearest point (cos θ, ρ sin θ), where the line to (x, y) is normal to the
+// ellipse, from the angle the point has on the scaled plane.
+double DistanceOutsideEllipse(double x, double y, double rho)
+{
+    const double k = rho * rho - 1.0;
+    double theta = std::atan2(y / rho, x);
+    for (int iter = 0; iter < 8; ++iter) {
+        const double s = std::sin(theta), c = std::cos(theta);
+        const double f = x * s - y * rho * c + k * s * c;
+        const double fd = x * c + y * rho * s + k * (c * c - s * s);
+        if (!(fd > 0.0)) break;
+        const double step = f / fd;
+        theta -= step;
+        if (std::fabs(step) < 1e-14) break;
+    }
+    return std::hypot(x - std::cos(theta), y - rho * std::sin(theta));
+}
+
+// l2 at the two ends of the central path: the instants before and after
+// tMid (days from the samples' middle, inside the path) where the axis,
+// fitted by quadratics through the three samples, leaves the unit circle of
+// the scaled plane. The fit, made over ±29 minutes, holds to some 1e-4
+// Earth radii three hours out, which moves an end by a second of time and
+// its l2 by 1e-8.
+void PathEnds(const std::array<BesselianInstant, 3>& r, const std::array<double, 3>& ys1, double tMid, double l2Ends[2])
+{
+    auto outside = [&](double t) {
+        const double x = Interpolate(r[0].x, r[1].x, r[2].x, t, kStepDays);
+        const double y = Interpolate(ys1[0], ys1[1], ys1[2], t, kStepDays);
+        return x * x + y * y >= 1.0;
+    };
+    constexpr double kReachDays = 4.0 / 24.0;
+    for (int side = 0; side < 2; ++side) {
+        const double dir = side == 0 ? -1.0 : 1.0;
+        double inside = tMid, beyond = tMid + dir * kReachDays;
+        if (!outside(beyond)) continue;  // not reached within four hours: keep the middle's l2
+        for (int i = 0; i < 40; ++i) {
+            const double m = 0.5 * (inside + beyond);
+            (outside(m) ? beyond : inside) = m;
+        }
+        l2Ends[side] = Interpolate(r[0].l2, r[1].l2, r[2].l2, inside, kStepDays);
+    }
+}
+
 Computed SolarAt(double guess, bool quickSun)
 {
     Computed out;
@@ -188,26 +234,38 @@ Computed SolarAt(double guess, bool quickSun)
     double plane = std::fabs(r1 - 1.0);
     if (r1 < 1.0) {
         // Central: on the axis at the Earth's surface the umbra's radius is
-        // L2 = l2 − ζ tan f2; negative L2 is total. At the ends of the path
-        // (ζ = 0) it is l2 itself: total there too makes a total eclipse,
-        // annular there a hybrid one.
+        // L2 = l2 − ζ tan f2; negative L2 is total. At the two ends of the
+        // central path, where the axis meets the Earth's limb (ζ = 0), it is
+        // l2 itself, taken at those instants: l2 drifts by some 1e-4 Earth
+        // radii an hour with the Moon's distance, and the ends lie one to
+        // three hours from greatest eclipse. Total at greatest eclipse and
+        // at both ends is a total eclipse; annular at greatest eclipse, an
+        // annular one (the axis nears the Earth's surface towards the
+        // middle of the path, so an annular middle has annular ends);
+        // total in the middle and annular at an end, a hybrid one.
         const double zeta = std::sqrt(std::max(0.0, 1.0 - r1 * r1));
         const double L1 = l1 - zeta * tanF1;
         const double L2 = l2 - zeta * tanF2;
+        double l2Ends[2] = {l2, l2};
+        PathEnds(r, ys1, scaled.t, l2Ends);
         if (L2 < 0.0)
-            e.type = l2 < 0.0 ? 'T' : 'H';
+            e.type = l2Ends[0] < 0.0 && l2Ends[1] < 0.0 ? 'T' : 'H';
         else
             e.type = 'A';
         e.magnitude = (L1 - L2) / (L1 + L2);
-        out.planeEdgeEarthRadii = std::min({plane, std::fabs(L2), std::fabs(l2)});
+        out.planeEdgeEarthRadii = std::min({plane, std::fabs(L2), std::fabs(l2Ends[0]), std::fabs(l2Ends[1])});
         out.magnitudeEdge = MagnitudeRoundingEdge(e.magnitude);
         out.minuteEdgeSeconds = MinuteEdgeSeconds(jd);
         out.event = e;
         return out;
     }
-    // Not central: the nearest point of the Earth's limb lies r1 − 1 from
-    // the axis, where ζ = 0 and the radii are l1 and l2.
-    const double m = r1 - 1.0;
+    // Not central: the nearest point of the Earth's limb, where ζ = 0 and
+    // the radii are l1 and l2, lies m from the axis at greatest eclipse.
+    // Measured on the fundamental plane itself, to the ellipse of semi-axes
+    // 1 and ρ1 (r1 − 1, measured on the scaled plane, is up to 0.2% of an
+    // Earth radius longer near the poles, where partial eclipses fall, and
+    // made their magnitudes 0.002–0.003 smaller than the canons').
+    const double m = DistanceOutsideEllipse(least.x, least.y, rho1);
     plane = std::min(plane, std::fabs(m - l1));
     out.planeEdgeEarthRadii = plane;
     if (m >= l1) return out;  // the penumbra misses the Earth
