@@ -104,7 +104,7 @@ bool Refine(double guess, bool quickSun, SampleFn sample, XyFn xy, double& jdBes
     double centre = guess;
     CAnchoredSunMoon model;
     for (int iter = 0; iter < 6; ++iter) {
-        if (!(quickSun ? model.AnchorQuickSun(centre) : model.Anchor(centre))) return false;
+        if (!model.AnchorWithNeighbours(centre, kStepDays, quickSun)) return false;
         std::array<double, 3> xs{}, ys{};
         for (std::size_t i = 0; i < 3; ++i) {
             const double jd = centre + (static_cast<double>(i) - 1.0) * kStepDays;

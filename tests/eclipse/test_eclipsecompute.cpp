@@ -267,11 +267,22 @@ TEST(EclipseCompute, AnchoredSketchFollowsTheExactPlaces)
             EXPECT_LT(angle(exact.sunRaRad, exact.sunDecRad, quick.sunRaRad, quick.sunDecRad), 20.0 * kMas) << m;
             EXPECT_NEAR(exact.moonDistanceKm, quick.moonDistanceKm, 0.05) << m;
         }
+        // The neighbours summed together with the anchor (angle addition
+        // from the anchor's sines) are the places At gives one by one, to
+        // the rounding of arguments of some 10⁵ rad: 1e-11 rad is 2 µas.
+        CAnchoredSunMoon single, spread;
+        ASSERT_TRUE(single.Anchor(jd0));
+        ASSERT_TRUE(spread.AnchorWithNeighbours(jd0, 0.02, false));
+        for (const double jd : {jd0 + (-1.0) * 0.02, jd0 + 1.0 * 0.02}) {
+            const SunMoonPlaces a = single.At(jd), b = spread.At(jd);
+            EXPECT_NEAR(a.moonRaRad, b.moonRaRad, 1e-11);
+            EXPECT_NEAR(a.moonDecRad, b.moonDecRad, 1e-11);
+            EXPECT_NEAR(a.moonDistanceKm, b.moonDistanceKm, 1e-5);
+            EXPECT_NEAR(a.sunRaRad, b.sunRaRad, 1e-11);
+        }
     }
 }
 
-// A century's scan lists no syzygy twice (a re-centred refinement of two
-// neighbouring guesses must not land on the same eclipse).
 // The tables are computed with the quick Sun and, near an edge, again with
 // the exact places: every record must come out as the exact computation
 // alone gives it. −650 … −601 is where the quick Sun strays most (the
@@ -301,6 +312,8 @@ TEST(EclipseCompute, QuickSunGivesTheExactRecords)
     }
 }
 
+// A century's scan lists no syzygy twice (a re-centred refinement of two
+// neighbouring guesses must not land on the same eclipse).
 TEST(EclipseCompute, CenturyHasNoDuplicates)
 {
     REQUIRE_EPHEMERIS();
