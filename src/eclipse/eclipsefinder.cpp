@@ -98,13 +98,13 @@ double Interpolate(double a, double b, double c, double t, double h)
 // five minutes from the anchor, the anchor moves there. `Sample` turns
 // places into a geometry record; `xy` reads its two plane coordinates.
 template <class Record, class SampleFn, class XyFn>
-bool Refine(double guess, bool quickSun, SampleFn sample, XyFn xy, double& jdBest, LeastDistance& best,
+bool Refine(double guess, SunSeries sun, SampleFn sample, XyFn xy, double& jdBest, LeastDistance& best,
             std::array<Record, 3>& recs)
 {
     double centre = guess;
     CAnchoredSunMoon model;
     for (int iter = 0; iter < 6; ++iter) {
-        if (!model.AnchorWithNeighbours(centre, kStepDays, quickSun)) return false;
+        if (!model.AnchorWithNeighbours(centre, kStepDays, sun)) return false;
         std::array<double, 3> xs{}, ys{};
         for (std::size_t i = 0; i < 3; ++i) {
             const double jd = centre + (static_cast<double>(i) - 1.0) * kStepDays;
@@ -197,7 +197,7 @@ void PathEnds(const std::array<BesselianInstant, 3>& r, const std::array<double,
     }
 }
 
-Computed SolarAt(double guess, bool quickSun)
+Computed SolarAt(double guess, SunSeries sun)
 {
     Computed out;
     auto sample = [](const SunMoonPlaces& p) { return BesselianFromPlaces(p, 0.0); };
@@ -208,7 +208,7 @@ Computed SolarAt(double guess, bool quickSun)
     double jd = 0.0;
     LeastDistance least;
     std::array<BesselianInstant, 3> r{};
-    if (!Refine(guess, quickSun, sample, [](const BesselianInstant& b, double& x, double& y) { x = b.x; y = b.y; }, jd,
+    if (!Refine(guess, sun, sample, [](const BesselianInstant& b, double& x, double& y) { x = b.x; y = b.y; }, jd,
                 least, r)) {
         out.ephemerisFailed = true;
         return out;
@@ -281,14 +281,14 @@ Computed SolarAt(double guess, bool quickSun)
     return out;
 }
 
-Computed LunarAt(double guess, bool quickSun)
+Computed LunarAt(double guess, SunSeries sun)
 {
     Computed out;
     auto sample = [](const SunMoonPlaces& p) { return LunarShadowFromPlaces(p); };
     double jd = 0.0;
     LeastDistance least;
     std::array<LunarShadowInstant, 3> r{};
-    if (!Refine(guess, quickSun, sample,
+    if (!Refine(guess, sun, sample,
                 [](const LunarShadowInstant& s, double& x, double& y) { x = s.xRad; y = s.yRad; }, jd, least, r)) {
         out.ephemerisFailed = true;
         return out;
@@ -330,24 +330,47 @@ Computed LunarAt(double guess, bool quickSun)
 // Largest differences quick − exact over −1999 … +3000 (at −1000 … 0,
 // where the omitted VSOP87 terms of power t and t² weigh most): 0.75 s in
 // the instant, 9.2e-5 in a magnitude, 3.5e-5 Earth radii on the
-// fundamental plane; no type changed. The bounds are twice those.
+// fundamental plane; no type changed. With the Earth's 903 larger terms
+// (SunSeries::Larger): 0.13 s, 1.7e-5 and 6.2e-6. The bounds are twice
+// those.
 constexpr double kQuickMinuteBoundSeconds = 1.5;
 constexpr double kQuickMagnitudeBound = 2.0e-4;
 constexpr double kQuickPlaneBoundEarthRadii = 8.0e-5;
-// The span's ends [jdStart, jdEnd) are edges too. `exactCount` counts the
-// eclipses computed again.
-std::optional<EclipseEvent> EclipseAtGuess(double guessJdTT, bool solar, double jdStart, double jdEnd, long& exactCount)
+constexpr double kFinerMinuteBoundSeconds = 0.26;
+constexpr double kFinerMagnitudeBound = 3.5e-5;
+constexpr double kFinerPlaneBoundEarthRadii = 1.3e-5;
+
+// Whether every edge of `c` (and the span's ends [jdStart, jdEnd)) lies
+// beyond the bounds of the grade it was computed at.
+bool ClearOfEdges(const Computed& c, double jdStart, double jdEnd, double minuteBoundSeconds, double magnitudeBound,
+                  double planeBound)
 {
-    const Computed quick = solar ? SolarAt(guessJdTT, true) : LunarAt(guessJdTT, true);
+    const double boundDays = minuteBoundSeconds / 86400.0;
+    const bool nearEnd = c.event && (std::fabs(c.event->jdTT - jdStart) < boundDays ||
+                                     std::fabs(c.event->jdTT - jdEnd) < boundDays);
+    return c.minuteEdgeSeconds > minuteBoundSeconds && c.magnitudeEdge > magnitudeBound &&
+           c.planeEdgeEarthRadii > planeBound && !nearEnd;
+}
+
+// The eclipse at a syzygy for the tables: computed with the quick Sun; where
+// an edge lies within its reach, again with the Earth's larger terms; where
+// one lies within theirs, with the exact places. `finerCount` and
+// `exactCount` count the second and third computations.
+std::optional<EclipseEvent> EclipseAtGuess(double guessJdTT, bool solar, double jdStart, double jdEnd, long& finerCount,
+                                           long& exactCount)
+{
+    auto compute = [&](SunSeries sun) { return solar ? SolarAt(guessJdTT, sun) : LunarAt(guessJdTT, sun); };
+    const Computed quick = compute(SunSeries::Largest);
     if (quick.ephemerisFailed) return std::nullopt;
-    constexpr double kBoundDays = kQuickMinuteBoundSeconds / 86400.0;
-    const bool nearEnd = quick.event && (std::fabs(quick.event->jdTT - jdStart) < kBoundDays ||
-                                         std::fabs(quick.event->jdTT - jdEnd) < kBoundDays);
-    const bool clear = quick.minuteEdgeSeconds > kQuickMinuteBoundSeconds && quick.magnitudeEdge > kQuickMagnitudeBound &&
-                       quick.planeEdgeEarthRadii > kQuickPlaneBoundEarthRadii && !nearEnd;
-    if (clear) return quick.event;
+    if (ClearOfEdges(quick, jdStart, jdEnd, kQuickMinuteBoundSeconds, kQuickMagnitudeBound, kQuickPlaneBoundEarthRadii))
+        return quick.event;
+    ++finerCount;
+    const Computed finer = compute(SunSeries::Larger);
+    if (!finer.ephemerisFailed &&
+        ClearOfEdges(finer, jdStart, jdEnd, kFinerMinuteBoundSeconds, kFinerMagnitudeBound, kFinerPlaneBoundEarthRadii))
+        return finer.event;
     ++exactCount;
-    return solar ? SolarAt(guessJdTT, false).event : LunarAt(guessJdTT, false).event;
+    return compute(SunSeries::Full).event;
 }
 
 }  // namespace
@@ -374,14 +397,14 @@ EclipseList FindEclipses(int firstYear, int lastYear, EclipseKinds kinds, const 
     // calling thread takes the first and reports the progress (the two
     // halves go at the same pace), the other stops when it is cancelled.
     std::atomic<bool> stop{false};
-    std::atomic<long> exactTotal{0};
+    std::atomic<long> finerTotal{0}, exactTotal{0};
     auto scan = [&](double kFrom, double kTo, std::vector<EclipseEvent>& out, bool reporting) {
-        long exactCount = 0;
+        long finerCount = 0, exactCount = 0;
         struct Tally {
             std::atomic<long>& total;
             long& count;
             ~Tally() { total += count; }
-        } tally{exactTotal, exactCount};
+        } finerTally{finerTotal, finerCount}, exactTally{exactTotal, exactCount};
         int sinceReport = 0;
         for (double k = kFrom; k < kTo; k += 1.0) {
             if (stop.load(std::memory_order_relaxed)) return;
@@ -397,7 +420,8 @@ EclipseList FindEclipses(int firstYear, int lastYear, EclipseKinds kinds, const 
                 if (solar ? !wantSolar : !wantLunar) continue;
                 const SyzygyGuess guess = MeeusSyzygy(k + (solar ? 0.0 : 0.5), solar);
                 if (!MayBeEclipse(guess, solar)) continue;
-                const std::optional<EclipseEvent> e = EclipseAtGuess(guess.jdTT, solar, jdStart, jdEnd, exactCount);
+                const std::optional<EclipseEvent> e =
+                    EclipseAtGuess(guess.jdTT, solar, jdStart, jdEnd, finerCount, exactCount);
                 if (!e || e->jdTT < jdStart || e->jdTT >= jdEnd) continue;
                 out.push_back(*e);
             }
@@ -413,6 +437,7 @@ EclipseList FindEclipses(int firstYear, int lastYear, EclipseKinds kinds, const 
         scan(kFirst, kLast + 1.0, list.events, true);
     }
     list.cancelled = stop.load();
+    list.finerRecomputations = finerTotal.load();
     list.exactRecomputations = exactTotal.load();
     list.events.insert(list.events.end(), second.begin(), second.end());
     std::sort(list.events.begin(), list.events.end(),
@@ -429,7 +454,7 @@ std::optional<EclipseEvent> EclipseAtSyzygyNear(double jdTT, EclipseKind kind)
     const double k = std::round((jdTT - 2451550.09766) / kSynodicMonthDays - offset) + offset;
     const SyzygyGuess guess = MeeusSyzygy(k, solar);
     if (!MayBeEclipse(guess, solar)) return std::nullopt;
-    return solar ? SolarAt(guess.jdTT, false).event : LunarAt(guess.jdTT, false).event;
+    return solar ? SolarAt(guess.jdTT, SunSeries::Full).event : LunarAt(guess.jdTT, SunSeries::Full).event;
 }
 
 }  // namespace orv

@@ -47,8 +47,11 @@ struct EclipseList {
     bool cancelled = false;
     bool ephemerisMissing = false;  // the VSOP87 series could not be opened
     // Eclipses first computed with the quick Sun (SunMoonAtQuickSun) and
-    // then again with the exact places, because their instant, magnitude or
-    // type lay near an edge the quick Sun's error could cross.
+    // then again with the Earth's larger terms (SunSeries::Larger), because
+    // their instant, magnitude or type lay near an edge the quick Sun's
+    // error could cross; and those computed a third time with the exact
+    // places, near an edge even for the larger terms.
+    long finerRecomputations = 0;
     long exactRecomputations = 0;
 };
 

@@ -74,6 +74,16 @@ const CVsop87Subset& QuickEarth()
     return subset;
 }
 
+const CVsop87Subset& FinerEarth()
+{
+    static const CVsop87Subset subset = [] {
+        CVsop87Subset s;
+        s.Build(SharedVsop87D(), kBodyEarth, 1e-8, 4.0);
+        return s;
+    }();
+    return subset;
+}
+
 bool SunMoonFrom(double jdTT, const SphericalLBR& earth, SunMoonPlaces& out)
 {
     if (!std::isfinite(earth.rAU)) return false;
@@ -122,6 +132,20 @@ bool SunMoonAtQuickSun(double jdTT, SunMoonPlaces& out)
 {
     if (!std::isfinite(jdTT)) return false;
     return SunMoonFrom(jdTT, QuickEarth().EvaluateOfDate(jdTT), out);
+}
+
+bool SunMoonAtSeries(double jdTT, SunMoonPlaces& out, SunSeries series)
+{
+    switch (series) {
+    case SunSeries::Largest:
+        return SunMoonAtQuickSun(jdTT, out);
+    case SunSeries::Larger:
+        if (!std::isfinite(jdTT)) return false;
+        return SunMoonFrom(jdTT, FinerEarth().EvaluateOfDate(jdTT), out);
+    case SunSeries::Full:
+        break;
+    }
+    return SunMoonAt(jdTT, out);
 }
 
 SunMoonNutation LastSunMoonNutation() { return tNutation; }

@@ -248,16 +248,16 @@ SunMoonPlaces SunMoonSketch(double jdTT, double dPsiRad, double trueObliquityRad
     return ToEquatorial(SketchEcliptic(jdTT, dPsiRad), trueObliquityRad);
 }
 
-bool CAnchoredSunMoon::Anchor(const double* jdTT, int count) { return AnchorWith(jdTT, count, false, 0.0); }
+bool CAnchoredSunMoon::Anchor(const double* jdTT, int count) { return AnchorWith(jdTT, count, SunSeries::Full, 0.0); }
 
-bool CAnchoredSunMoon::AnchorQuickSun(double jdTT) { return AnchorWith(&jdTT, 1, true, 0.0); }
+bool CAnchoredSunMoon::AnchorQuickSun(double jdTT) { return AnchorWith(&jdTT, 1, SunSeries::Largest, 0.0); }
 
-bool CAnchoredSunMoon::AnchorWithNeighbours(double jdTT, double stepDays, bool quickSun)
+bool CAnchoredSunMoon::AnchorWithNeighbours(double jdTT, double stepDays, SunSeries sun)
 {
-    return AnchorWith(&jdTT, 1, quickSun, stepDays);
+    return AnchorWith(&jdTT, 1, sun, stepDays);
 }
 
-bool CAnchoredSunMoon::AnchorWith(const double* jdTT, int count, bool quickSun, double stepDays)
+bool CAnchoredSunMoon::AnchorWith(const double* jdTT, int count, SunSeries sun, double stepDays)
 {
     if (count < 1 || count > 3) return false;
     m_count = count;
@@ -265,7 +265,7 @@ bool CAnchoredSunMoon::AnchorWith(const double* jdTT, int count, bool quickSun, 
     for (int i = 0; i < count; ++i) {
         const auto n = static_cast<std::size_t>(i);
         m_jd[n] = jdTT[i];
-        if (!(quickSun ? SunMoonAtQuickSun(jdTT[i], m_exact[n]) : SunMoonAt(jdTT[i], m_exact[n]))) return false;
+        if (!SunMoonAtSeries(jdTT[i], m_exact[n], sun)) return false;
         if (i == 0) {
             // The sketch takes the nutation at the first anchor: the exact
             // places' own when they were taken at that very instant (they

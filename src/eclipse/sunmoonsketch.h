@@ -46,7 +46,7 @@ public:
     // are summed once for the three (a sine and cosine each at the anchor,
     // the angle-addition formulae for the small steps), which costs about
     // half of summing them three times. stepDays up to an hour.
-    bool AnchorWithNeighbours(double jdTT, double stepDays, bool quickSun);
+    bool AnchorWithNeighbours(double jdTT, double stepDays, SunSeries sun);
     // No anchor: At gives the sketch itself (errors of tens of arcseconds),
     // for screening only. The nutation is taken at jdTT.
     void SketchOnly(double jdTT);
@@ -60,7 +60,7 @@ public:
     const SunMoonPlaces& Exact(int i) const { return m_exact[static_cast<std::size_t>(i)]; }
 
 private:
-    bool AnchorWith(const double* jdTT, int count, bool quickSun, double stepDays);
+    bool AnchorWith(const double* jdTT, int count, SunSeries sun, double stepDays);
 
     int m_count = 0;
     std::array<double, 3> m_jd{};

@@ -272,7 +272,7 @@ TEST(EclipseCompute, AnchoredSketchFollowsTheExactPlaces)
         // the rounding of arguments of some 10⁵ rad: 1e-11 rad is 2 µas.
         CAnchoredSunMoon single, spread;
         ASSERT_TRUE(single.Anchor(jd0));
-        ASSERT_TRUE(spread.AnchorWithNeighbours(jd0, 0.02, false));
+        ASSERT_TRUE(spread.AnchorWithNeighbours(jd0, 0.02, SunSeries::Full));
         for (const double jd : {jd0 + (-1.0) * 0.02, jd0 + 1.0 * 0.02}) {
             const SunMoonPlaces a = single.At(jd), b = spread.At(jd);
             EXPECT_NEAR(a.moonRaRad, b.moonRaRad, 1e-11);
