@@ -73,6 +73,8 @@ void BM_FiveMillenniumBuild(benchmark::State& state)
     for (auto _ : state) {
         const orv::EclipseList list = orv::FindEclipses(-1999, 3000, orv::EclipseKinds::Both);
         state.counters["eclipses"] = static_cast<double>(list.events.size());
+        state.counters["finer"] = static_cast<double>(list.finerRecomputations);
+        state.counters["exact"] = static_cast<double>(list.exactRecomputations);
     }
 }
 BENCHMARK(BM_FiveMillenniumBuild)->Iterations(1)->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);

@@ -46,6 +46,13 @@ struct EclipseList {
     std::vector<EclipseEvent> events;  // chronological, solar and lunar merged
     bool cancelled = false;
     bool ephemerisMissing = false;  // the VSOP87 series could not be opened
+    // Eclipses first computed with the quick Sun (SunMoonAtQuickSun) and
+    // then again with the Earth's larger terms (SunSeries::Larger), because
+    // their instant, magnitude or type lay near an edge the quick Sun's
+    // error could cross; and those computed a third time with the exact
+    // places, near an edge even for the larger terms.
+    long finerRecomputations = 0;
+    long exactRecomputations = 0;
 };
 
 // The eclipses of kinds `kinds` whose greatest eclipse falls in the

@@ -9,6 +9,7 @@
 #include "observer/observer.h"
 #include "solarsystem/moonseries.h"
 #include "solarsystem/planets.h"
+#include "solarsystem/vsop87.h"
 
 namespace orv {
 
@@ -55,22 +56,44 @@ double SecularCorrectionDeg(double jdTT)
 
 }  // namespace
 
-bool SunMoonAt(double jdTT, SunMoonPlaces& out)
-{
-    if (!std::isfinite(jdTT)) return false;
-    const SphericalLBR earth = SharedVsop87D().EvaluateOfDate(kBodyEarth, jdTT);
-    if (!std::isfinite(earth.rAU)) return false;
+namespace {
 
-    // Nutation and obliquity change by less than 0.01″ in a quarter of a
-    // day: the samples of one eclipse share them.
-    thread_local double cacheJd = std::numeric_limits<double>::quiet_NaN();
-    thread_local double dPsi = 0.0, eps = 0.0;
-    if (!(std::fabs(jdTT - cacheJd) < 0.25)) {
-        double dEps = 0.0;
+// Nutation and obliquity change by less than 0.01″ in a quarter of a day:
+// the samples of one eclipse share them.
+thread_local SunMoonNutation tNutation{std::numeric_limits<double>::quiet_NaN(), 0.0, 0.0};
+
+const CVsop87Subset& QuickEarth()
+{
+    static const CVsop87Subset subset = [] {
+        CVsop87Subset s;
+        // 1e-7 rad over |t| ≤ 4 millennia: the terms that can reach 0.02″
+        // anywhere in −2000 … +3000.
+        s.Build(SharedVsop87D(), kBodyEarth, 1e-7, 4.0);
+        return s;
+    }();
+    return subset;
+}
+
+const CVsop87Subset& FinerEarth()
+{
+    static const CVsop87Subset subset = [] {
+        CVsop87Subset s;
+        s.Build(SharedVsop87D(), kBodyEarth, 1e-8, 4.0);
+        return s;
+    }();
+    return subset;
+}
+
+bool SunMoonFrom(double jdTT, const SphericalLBR& earth, SunMoonPlaces& out)
+{
+    if (!std::isfinite(earth.rAU)) return false;
+    if (!(std::fabs(jdTT - tNutation.jdTT) < 0.25)) {
+        double dPsi = 0.0, dEps = 0.0;
         eraNut00b(kJ2000, jdTT - kJ2000, &dPsi, &dEps);
-        eps = eraObl06(kJ2000, jdTT - kJ2000) + dEps;
-        cacheJd = jdTT;
+        tNutation = {jdTT, dPsi, eraObl06(kJ2000, jdTT - kJ2000) + dEps};
     }
+    const double dPsi = tNutation.dPsiRad;
+    const double eps = tNutation.trueObliquityRad;
 
     // Geometric Sun from the Earth, then VSOP87's dynamical ecliptic to FK5
     // (Meeus 32.3) and the aberration in longitude (Meeus 25.10).
@@ -96,6 +119,36 @@ bool SunMoonAt(double jdTT, SunMoonPlaces& out)
     out.moonDistanceKm = moon.distanceKm;
     return true;
 }
+
+}  // namespace
+
+bool SunMoonAt(double jdTT, SunMoonPlaces& out)
+{
+    if (!std::isfinite(jdTT)) return false;
+    return SunMoonFrom(jdTT, SharedVsop87D().EvaluateOfDate(kBodyEarth, jdTT), out);
+}
+
+bool SunMoonAtQuickSun(double jdTT, SunMoonPlaces& out)
+{
+    if (!std::isfinite(jdTT)) return false;
+    return SunMoonFrom(jdTT, QuickEarth().EvaluateOfDate(jdTT), out);
+}
+
+bool SunMoonAtSeries(double jdTT, SunMoonPlaces& out, SunSeries series)
+{
+    switch (series) {
+    case SunSeries::Largest:
+        return SunMoonAtQuickSun(jdTT, out);
+    case SunSeries::Larger:
+        if (!std::isfinite(jdTT)) return false;
+        return SunMoonFrom(jdTT, FinerEarth().EvaluateOfDate(jdTT), out);
+    case SunSeries::Full:
+        break;
+    }
+    return SunMoonAt(jdTT, out);
+}
+
+SunMoonNutation LastSunMoonNutation() { return tNutation; }
 
 BesselianInstant BesselianFromPlaces(const SunMoonPlaces& p, double gastRad)
 {

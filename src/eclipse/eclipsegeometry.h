@@ -63,6 +63,34 @@ struct SunMoonPlaces {
 // jdTT is not finite.
 bool SunMoonAt(double jdTT, SunMoonPlaces& out);
 
+// The same places with the Sun from the larger terms of the VSOP87D Earth
+// only (CVsop87Subset: 325 of its 2,425 terms, those that can reach
+// 1e-7 rad anywhere in −2000 … +3000), a ninth of the Sun's cost. The Sun
+// then differs from SunMoonAt's by at most 0.36″ in longitude and 0.18″ in
+// latitude over −2000 … +3000 (0.05″ since 1000). Meant for the five
+// millennia of eclipse tables, where every eclipse whose instant, magnitude
+// or type comes out near a rounding or decision edge is computed again
+// with the exact places (eclipsefinder.cpp).
+bool SunMoonAtQuickSun(double jdTT, SunMoonPlaces& out);
+
+// How much of the VSOP87D Earth the Sun is taken from: Full, the whole
+// series (SunMoonAt); Larger, the 903 terms that can reach 1e-8 rad in
+// −2000 … +3000 (within 0.06″ of the series in longitude, 0.04″ in
+// latitude, at 40% of the cost); Largest, the 325 of SunMoonAtQuickSun.
+enum class SunSeries { Full, Larger, Largest };
+bool SunMoonAtSeries(double jdTT, SunMoonPlaces& out, SunSeries series);
+
+// The nutation in longitude and the true obliquity SunMoonAt used at its
+// last evaluation on this thread, and the instant they were taken at (the
+// places of one eclipse share them: they change by under 0.01″ in a
+// quarter of a day). NaN instant before the first evaluation.
+struct SunMoonNutation {
+    double jdTT;
+    double dPsiRad;
+    double trueObliquityRad;
+};
+SunMoonNutation LastSunMoonNutation();
+
 // Besselian elements at one instant (Explanatory Supplement §8.3): the
 // Moon's centre on the fundamental plane (x, y, z), the shadow axis's
 // direction (a, d), the half-angles of the penumbral and umbral cones

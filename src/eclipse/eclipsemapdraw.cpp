@@ -13,7 +13,14 @@ const QColor kCentral(200, 20, 20);
 const QColor kUmbra(230, 120, 0);
 const QColor kPenumbra(40, 90, 200);
 const QColor kGreatest(255, 225, 0);
-const QColor kMoonUp(250, 235, 120, 70);
+const QColor kMoonUp(250, 235, 120, 90);
+
+// One line of the key: a stroke of the pen, or (with a brush) a filled box.
+struct KeyItem {
+    QPen pen;
+    QString text;
+    QBrush swatch = Qt::NoBrush;
+};
 
 // A polyline on the map, cut where it crosses the map's edge.
 void DrawGeoLine(QPainter& painter, const QRectF& map, const GeoLine& line)
@@ -50,25 +57,37 @@ void DrawCross(QPainter& painter, const QRectF& map, const GeoPoint& p, const QC
 }
 
 // The key of the lines, in the map's top left corner.
-void DrawKey(QPainter& painter, const QRectF& map, const std::vector<std::pair<QPen, QString>>& items)
+void DrawKey(QPainter& painter, const QRectF& map, const std::vector<KeyItem>& items)
 {
     QFont font = painter.font();
     font.setPixelSize(static_cast<int>(std::clamp(map.height() / 30.0, 9.0, 13.0)));
     painter.setFont(font);
     const QFontMetricsF fm(font);
     double width = 0.0;
-    for (const auto& [pen, text] : items) width = std::max(width, fm.horizontalAdvance(text));
+    for (const KeyItem& item : items) width = std::max(width, fm.horizontalAdvance(item.text));
     const double line = fm.height() + 2.0;
     const QRectF box(map.left() + 6.0, map.top() + 6.0, width + 40.0, line * static_cast<double>(items.size()) + 6.0);
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(255, 255, 255, 210));
     painter.drawRect(box);
     double y = box.top() + 3.0 + line / 2.0;
-    for (const auto& [pen, text] : items) {
-        painter.setPen(pen);
-        painter.drawLine(QPointF(box.left() + 5.0, y), QPointF(box.left() + 27.0, y));
+    for (const KeyItem& item : items) {
+        if (item.swatch.style() != Qt::NoBrush) {
+            // The fill as it lies on the ocean, outlined by the pen.
+            const QRectF sample(box.left() + 5.0, y - 5.0, 22.0, 10.0);
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(QColor(18, 40, 70));
+            painter.drawRect(sample);
+            painter.setBrush(item.swatch);
+            painter.setPen(item.pen);
+            painter.drawRect(sample);
+            painter.setBrush(Qt::NoBrush);
+        } else {
+            painter.setPen(item.pen);
+            painter.drawLine(QPointF(box.left() + 5.0, y), QPointF(box.left() + 27.0, y));
+        }
         painter.setPen(Qt::black);
-        painter.drawText(QPointF(box.left() + 33.0, y + fm.ascent() / 2.0 - 1.0), text);
+        painter.drawText(QPointF(box.left() + 33.0, y + fm.ascent() / 2.0 - 1.0), item.text);
         y += line;
     }
 }
@@ -97,7 +116,7 @@ void DrawSolarEclipseMap(QPainter& painter, const QRectF& area, const std::vecto
     DrawLines(painter, map, paths.umbraSouth, umbra);
     DrawLines(painter, map, paths.central, central);
     if (paths.hasGreatest) DrawCross(painter, map, paths.greatest, kGreatest);
-    std::vector<std::pair<QPen, QString>> key;
+    std::vector<KeyItem> key;
     if (!paths.central.empty()) key.push_back({central, QStringLiteral("Central line")});
     if (!paths.umbraNorth.empty() || !paths.umbraSouth.empty())
         key.push_back({umbra, QStringLiteral("Limits of the umbra")});
@@ -112,8 +131,11 @@ void DrawLunarEclipseMap(QPainter& painter, const QRectF& area, const std::vecto
 {
     sat::GroundTrackMapOptions options;
     options.title = title;
-    options.nightAtJdUT = region.greatestJdUT;
-    options.nightLegend = "Night at greatest eclipse";
+    // The map's own shading is the Moon above the horizon at greatest
+    // eclipse, drawn below; the Sun's night (nearly the same hemisphere, as
+    // the Moon stands opposite the Sun) is left out so that one shading
+    // means one thing.
+    options.night = sat::NightShading::Off;
     options.illuminationLegend = false;
     sat::DrawGroundTrackMap(painter, area, land, sat::GroundTrackResult{}, options);
     const QRectF map = sat::GroundTrackMapRect(area);
@@ -145,8 +167,11 @@ void DrawLunarEclipseMap(QPainter& painter, const QRectF& area, const std::vecto
     painter.drawPolygon(fill);
     DrawLines(painter, map, {region.horizon}, QPen(QColor(150, 120, 0), 1.5));
     DrawCross(painter, map, region.subLunar, kGreatest);
-    DrawKey(painter, map, {{QPen(QColor(150, 120, 0), 1.5), QStringLiteral("Moon on the horizon at greatest eclipse")},
-                           {QPen(kGreatest, 2.0), QStringLiteral("Moon in the zenith (\u00d7)")}});
+    const QPen horizon(QColor(150, 120, 0), 1.5);
+    DrawKey(painter, map,
+            {{horizon, QStringLiteral("Moon above the horizon at greatest eclipse"), QBrush(kMoonUp)},
+             {horizon, QStringLiteral("Moon on the horizon at greatest eclipse")},
+             {QPen(kGreatest, 2.0), QStringLiteral("Moon in the zenith (\u00d7)")}});
     painter.restore();
 }
 

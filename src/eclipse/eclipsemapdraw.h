@@ -1,9 +1,10 @@
 // The world map of an eclipse, drawn on the satellite ground-track page's
 // map (its projection, land, graticule and night shading): for a solar
 // eclipse the central line, the umbral and penumbral limits and greatest
-// eclipse, with night at greatest eclipse; for a lunar eclipse the outline of
-// the hemisphere where the Moon is up at greatest eclipse and the point with
-// the Moon in the zenith. Qt Gui only: a window, the printer and an image
+// eclipse, with night at greatest eclipse; for a lunar eclipse the
+// hemisphere where the Moon is up at greatest eclipse, shaded and outlined
+// (no night shading there: it would nearly coincide), and the point with the
+// Moon in the zenith. Qt Gui only: a window, the printer and an image
 // export all draw through these.
 #pragma once
 

@@ -85,6 +85,46 @@ double SumSketch(const std::vector<SketchTerm>& terms, double t, bool cosine)
     return sum;
 }
 
+// sin δ and cos δ of a small angle (|δ| < 0.1 rad) by their series, to
+// the last bit: the steps of one term's argument over the half hour
+// between the samples of an eclipse are under 0.02 rad.
+void SinCosSmall(double d, double& sinD, double& cosD)
+{
+    const double d2 = d * d;
+    sinD = d * (1.0 + d2 * (-1.0 / 6.0 + d2 * (1.0 / 120.0 + d2 * (-1.0 / 5040.0 + d2 * (1.0 / 362880.0)))));
+    cosD = 1.0 + d2 * (-0.5 + d2 * (1.0 / 24.0 + d2 * (-1.0 / 720.0 + d2 * (1.0 / 40320.0 - d2 / 3628800.0))));
+}
+
+// SumSketch at t − dt, t and t + dt together: one sine and cosine of each
+// term's argument at t, and the angle-addition formulae for the two steps
+// to its arguments at t ∓ dt (the same arguments, differenced, so that the
+// three sums are those of SumSketch to rounding).
+void SumSketchSpread(const std::vector<SketchTerm>& terms, double t, double dt, bool cosine, double sums[3])
+{
+    double before = 0.0, middle = 0.0, after = 0.0;
+    const double tb = t - dt, ta = t + dt;
+    for (const SketchTerm& s : terms) {
+        auto argument = [&](double x) { return s.phi[0] + x * (s.phi[1] + x * (s.phi[2] + x * (s.phi[3] + x * s.phi[4]))); };
+        const double a = argument(t);
+        const double sa = std::sin(a), ca = std::cos(a);  // one sincos call
+        double sb = 0.0, cb = 0.0, sf = 0.0, cf = 0.0;
+        SinCosSmall(a - argument(tb), sb, cb);
+        SinCosSmall(argument(ta) - a, sf, cf);
+        if (cosine) {
+            middle += s.amplitude * ca;
+            before += s.amplitude * (ca * cb + sa * sb);
+            after += s.amplitude * (ca * cf - sa * sf);
+        } else {
+            middle += s.amplitude * sa;
+            before += s.amplitude * (sa * cb - ca * sb);
+            after += s.amplitude * (sa * cf + ca * sf);
+        }
+    }
+    sums[0] = before;
+    sums[1] = middle;
+    sums[2] = after;
+}
+
 void EclipticToEquatorial(double lonRad, double latRad, double epsRad, double& raRad, double& decRad)
 {
     const double sl = std::sin(lonRad), cl = std::cos(lonRad);
@@ -119,11 +159,9 @@ void EquatorialToEcliptic(double raRad, double decRad, double epsRad, double& lo
 // the sketch into one that changes as the Moon moves.
 using Ecliptic = std::array<double, 6>;
 
-Ecliptic SketchEcliptic(double jdTT, double dPsiRad)
+// The Sun of the sketch into out[0..2].
+void SketchSun(double T, double dPsiRad, Ecliptic& out)
 {
-    Ecliptic out{};
-    const double T = (jdTT - kJ2000) / 36525.0;
-
     // The Sun: mean longitude, mean anomaly and the equation of the centre
     // (Meeus 25.2–25.5), the radius vector from the true anomaly, then the
     // aberration and the nutation as the exact Sun has them.
@@ -136,18 +174,51 @@ Ecliptic SketchEcliptic(double jdTT, double dPsiRad)
     out[0] = (L0 + C) * kDegToRad + dPsiRad - 20.4898 * kArcsecToRad / rAU;
     out[1] = 0.0;
     out[2] = rAU * kAstronomicalUnitKmIAU2012;
+}
 
-    // The Moon: the block's formula over its largest terms.
-    const MoonSketchTables& tab = SketchTables();
-    double s[12];
-    for (int i = 0; i < 12; ++i) s[i] = SumSketch(tab.table[i], T, i >= 8);
+// The Moon of the sketch from the twelve sums, into out[3..5]: the block's
+// formula over its largest terms.
+void SketchMoon(double T, double dPsiRad, const double s[12], Ecliptic& out)
+{
     const double w1 = 218.31665 + T * (481267.88134 + T * (-0.00132681 + T * (1.8561e-6 - T * 1.5341e-8)));
     const double lon = w1 + s[0] + 1e-3 * (s[1] + T * (s[2] + 1e-4 * T * s[3]));
     const double lat = s[4] + 1e-3 * (s[5] + T * (s[6] + 1e-4 * T * s[7]));
     out[3] = std::fmod(lon, 360.0) * kDegToRad + dPsiRad;
     out[4] = lat * kDegToRad;
     out[5] = s[8] + s[9] + T * (s[10] + 1e-4 * T * s[11]) + 385000.57;
+}
+
+Ecliptic SketchEcliptic(double jdTT, double dPsiRad)
+{
+    Ecliptic out{};
+    const double T = (jdTT - kJ2000) / 36525.0;
+    SketchSun(T, dPsiRad, out);
+    const MoonSketchTables& tab = SketchTables();
+    double s[12];
+    for (int i = 0; i < 12; ++i) s[i] = SumSketch(tab.table[i], T, i >= 8);
+    SketchMoon(T, dPsiRad, s, out);
     return out;
+}
+
+// The sketch at jdTT − stepDays, jdTT and jdTT + stepDays (the instants
+// written as jdTT + (−1.0) stepDays and jdTT + 1.0 stepDays).
+void SketchEclipticSpread(double jdTT, double stepDays, double dPsiRad, Ecliptic out[3])
+{
+    const double jd[3] = {jdTT + (-1.0) * stepDays, jdTT, jdTT + 1.0 * stepDays};
+    double T[3];
+    for (int k = 0; k < 3; ++k) {
+        T[k] = (jd[k] - kJ2000) / 36525.0;
+        out[k] = Ecliptic{};
+        SketchSun(T[k], dPsiRad, out[k]);
+    }
+    const MoonSketchTables& tab = SketchTables();
+    double s[3][12];
+    for (int i = 0; i < 12; ++i) {
+        double sums[3];
+        SumSketchSpread(tab.table[i], T[1], stepDays / 36525.0, i >= 8, sums);
+        for (int k = 0; k < 3; ++k) s[k][i] = sums[k];
+    }
+    for (int k = 0; k < 3; ++k) SketchMoon(T[k], dPsiRad, s[k], out[k]);
 }
 
 SunMoonPlaces ToEquatorial(const Ecliptic& c, double epsRad)
@@ -177,22 +248,60 @@ SunMoonPlaces SunMoonSketch(double jdTT, double dPsiRad, double trueObliquityRad
     return ToEquatorial(SketchEcliptic(jdTT, dPsiRad), trueObliquityRad);
 }
 
-bool CAnchoredSunMoon::Anchor(const double* jdTT, int count)
+bool CAnchoredSunMoon::Anchor(const double* jdTT, int count) { return AnchorWith(jdTT, count, SunSeries::Full, 0.0); }
+
+bool CAnchoredSunMoon::AnchorQuickSun(double jdTT) { return AnchorWith(&jdTT, 1, SunSeries::Largest, 0.0); }
+
+bool CAnchoredSunMoon::AnchorWithNeighbours(double jdTT, double stepDays, SunSeries sun)
+{
+    return AnchorWith(&jdTT, 1, sun, stepDays);
+}
+
+bool CAnchoredSunMoon::AnchorWith(const double* jdTT, int count, SunSeries sun, double stepDays)
 {
     if (count < 1 || count > 3) return false;
     m_count = count;
-    double dEps = 0.0;
-    eraNut00b(kJ2000, jdTT[0] - kJ2000, &m_dPsi, &dEps);
-    m_eps = eraObl06(kJ2000, jdTT[0] - kJ2000) + dEps;
+    m_haveNeighbours = false;
     for (int i = 0; i < count; ++i) {
         const auto n = static_cast<std::size_t>(i);
         m_jd[n] = jdTT[i];
-        if (!SunMoonAt(jdTT[i], m_exact[n])) return false;
+        if (!SunMoonAtSeries(jdTT[i], m_exact[n], sun)) return false;
+        if (i == 0) {
+            // The sketch takes the nutation at the first anchor: the exact
+            // places' own when they were taken at that very instant (they
+            // usually were: the first anchor starts an eclipse), else anew.
+            const SunMoonNutation last = LastSunMoonNutation();
+            if (last.jdTT == jdTT[0]) {
+                m_dPsi = last.dPsiRad;
+                m_eps = last.trueObliquityRad;
+            } else {
+                double dEps = 0.0;
+                eraNut00b(kJ2000, jdTT[0] - kJ2000, &m_dPsi, &dEps);
+                m_eps = eraObl06(kJ2000, jdTT[0] - kJ2000) + dEps;
+            }
+        }
         const Ecliptic exact = ToEcliptic(m_exact[n], m_eps);
-        const Ecliptic sketch = SketchEcliptic(jdTT[i], m_dPsi);
+        Ecliptic spread[3];
+        if (stepDays > 0.0)
+            SketchEclipticSpread(jdTT[i], stepDays, m_dPsi, spread);
+        else
+            spread[1] = SketchEcliptic(jdTT[i], m_dPsi);
+        const Ecliptic& sketch = spread[1];
         for (std::size_t c = 0; c < 6; ++c) {
             const double d = exact[c] - sketch[c];
             m_diff[n][c] = (c == 0 || c == 3) ? WrapPi(d) : d;
+        }
+        if (stepDays > 0.0) {
+            // The neighbours anchored as At would anchor them (one anchor:
+            // the difference is constant).
+            for (int side = 0; side < 2; ++side) {
+                Ecliptic c = spread[side == 0 ? 0 : 2];
+                for (std::size_t k = 0; k < 6; ++k) c[k] += m_diff[0][k];
+                m_neighbours[static_cast<std::size_t>(side)] = ToEquatorial(c, m_eps);
+            }
+            m_neighbourJd[0] = jdTT[0] + (-1.0) * stepDays;
+            m_neighbourJd[1] = jdTT[0] + 1.0 * stepDays;
+            m_haveNeighbours = true;
         }
     }
     return true;
@@ -201,6 +310,7 @@ bool CAnchoredSunMoon::Anchor(const double* jdTT, int count)
 void CAnchoredSunMoon::SketchOnly(double jdTT)
 {
     m_count = 0;
+    m_haveNeighbours = false;
     double dEps = 0.0;
     eraNut00b(kJ2000, jdTT - kJ2000, &m_dPsi, &dEps);
     m_eps = eraObl06(kJ2000, jdTT - kJ2000) + dEps;
@@ -208,6 +318,10 @@ void CAnchoredSunMoon::SketchOnly(double jdTT)
 
 SunMoonPlaces CAnchoredSunMoon::At(double jdTT) const
 {
+    if (m_haveNeighbours) {
+        if (jdTT == m_neighbourJd[0]) return m_neighbours[0];
+        if (jdTT == m_neighbourJd[1]) return m_neighbours[1];
+    }
     // Lagrange's interpolation of the differences through the anchors.
     double w[3] = {1.0, 0.0, 0.0};
     for (int i = 0; i < m_count; ++i) {

@@ -37,6 +37,16 @@ public:
     // most). False when the ephemeris is unavailable.
     bool Anchor(const double* jdTT, int count);
     bool Anchor(double jdTT) { return Anchor(&jdTT, 1); }
+    // One anchor from SunMoonAtQuickSun instead (the Sun from the larger
+    // VSOP87D terms only: within 0.36″ of the exact places).
+    bool AnchorQuickSun(double jdTT);
+    // One anchor (exact, or with the quick Sun), and the places at
+    // jdTT + (−1.0) stepDays and jdTT + 1.0 stepDays made at the same time
+    // and returned by At for exactly those instants: the sketch's terms
+    // are summed once for the three (a sine and cosine each at the anchor,
+    // the angle-addition formulae for the small steps), which costs about
+    // half of summing them three times. stepDays up to an hour.
+    bool AnchorWithNeighbours(double jdTT, double stepDays, SunSeries sun);
     // No anchor: At gives the sketch itself (errors of tens of arcseconds),
     // for screening only. The nutation is taken at jdTT.
     void SketchOnly(double jdTT);
@@ -50,6 +60,8 @@ public:
     const SunMoonPlaces& Exact(int i) const { return m_exact[static_cast<std::size_t>(i)]; }
 
 private:
+    bool AnchorWith(const double* jdTT, int count, SunSeries sun, double stepDays);
+
     int m_count = 0;
     std::array<double, 3> m_jd{};
     std::array<SunMoonPlaces, 3> m_exact{};
@@ -57,6 +69,9 @@ private:
     // latitude, distance, then the Moon's.
     std::array<std::array<double, 6>, 3> m_diff{};
     double m_dPsi = 0.0, m_eps = 0.0;
+    bool m_haveNeighbours = false;
+    std::array<double, 2> m_neighbourJd{};
+    std::array<SunMoonPlaces, 2> m_neighbours{};
 };
 
 }  // namespace orv

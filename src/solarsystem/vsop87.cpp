@@ -95,6 +95,53 @@ SphericalLBR CVsop87D::EvaluateOfDate(int body, double jdTT) const
     return {coordinate[0], coordinate[1], coordinate[2]};
 }
 
+bool CVsop87Subset::Build(const CVsop87D& series, int body, double minTermRad, double maxAbsMillennia)
+{
+    m_terms.clear();
+    m_counts = {};
+    m_omitted = {};
+    m_built = false;
+    if (!series.IsOpen() || body < 1 || body > 8) return false;
+    const auto& entries = series.m_index[static_cast<std::size_t>(body - 1)];
+    const std::uint8_t* term =
+        series.m_terms.Data() + static_cast<std::size_t>(entries[0].firstTerm) * kVsop87TermBytes;
+    for (std::size_t s = 0; s < 18; ++s) {
+        const double scale = std::pow(maxAbsMillennia, static_cast<double>(s % 6));
+        for (int k = 0; k < entries[s].termCount; ++k, term += kVsop87TermBytes) {
+            const Term t{LoadLE<double>(term), LoadLE<double>(term + 8), LoadLE<double>(term + 16)};
+            if (std::fabs(t.a) * scale >= minTermRad) {
+                m_terms.push_back(t);
+                ++m_counts[s];
+            } else {
+                m_omitted[s / 6] += std::fabs(t.a) * scale;
+            }
+        }
+    }
+    m_built = true;
+    return true;
+}
+
+SphericalLBR CVsop87Subset::EvaluateOfDate(double jdTT) const
+{
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    if (!m_built || !std::isfinite(jdTT)) return {nan, nan, nan};
+    const double t = (jdTT - kJ2000) / kDaysPerJulianMillennium;
+    const Term* term = m_terms.data();
+    double coordinate[3] = {0.0, 0.0, 0.0};
+    for (std::size_t c = 0; c < 3; ++c) {
+        double sums[6];
+        for (std::size_t power = 0; power < 6; ++power) {
+            double s = 0.0;
+            for (int k = 0; k < m_counts[c * 6 + power]; ++k, ++term) s += term->a * std::cos(term->b + term->c * t);
+            sums[power] = s;
+        }
+        double value = 0.0;
+        for (int power = 5; power >= 0; --power) value = value * t + sums[power];
+        coordinate[c] = value;
+    }
+    return {coordinate[0], coordinate[1], coordinate[2]};
+}
+
 namespace {
 
 constexpr double kTwoPi = 6.283185307179586476925;

@@ -14,6 +14,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "util/mappedfile.h"
 
@@ -57,8 +58,38 @@ public:
     SphericalLBR EvaluateOfDate(int body, double jdTT) const;
 
 private:
+    friend class CVsop87Subset;
     CMappedFile m_terms;
     std::array<std::array<Vsop87IndexEntry, 18>, 8> m_index{};
+};
+
+// The larger terms of one body's series, copied out once, for computations
+// that evaluate the body tens of thousands of times and need less than the
+// theory's full precision (the eclipse tables: the Earth's 2,425 terms cost
+// nine tenths of an exact Sun and Moon). A term A cos(B + C t) of power α is
+// kept when A |t|^α, at the largest |t| the subset is to serve, reaches
+// `minTermRad`; the sum of what is left out bounds the error there
+// (`OmittedBound`), the actual error being a small fraction of it since the
+// omitted terms' phases are unrelated.
+class CVsop87Subset {
+public:
+    // False when the series is not open or the body is outside 1–8.
+    bool Build(const CVsop87D& series, int body, double minTermRad, double maxAbsMillennia);
+    int TermCount() const { return static_cast<int>(m_terms.size()); }
+    // Σ A |t|^α of the omitted terms of L, B (rad) and R (AU) at the largest |t|.
+    const std::array<double, 3>& OmittedBound() const { return m_omitted; }
+    // As CVsop87D::EvaluateOfDate, from the kept terms; NaN when not built
+    // or the date is not finite.
+    SphericalLBR EvaluateOfDate(double jdTT) const;
+
+private:
+    struct Term {
+        double a, b, c;
+    };
+    std::vector<Term> m_terms;            // L0…L5, B0…B5, R0…R5 in order
+    std::array<int, 18> m_counts{};       // kept terms of each series
+    std::array<double, 3> m_omitted{};
+    bool m_built = false;
 };
 
 // Body 1–8 from the series as the program uses it: the spherical place of

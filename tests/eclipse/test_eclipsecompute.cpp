@@ -116,6 +116,77 @@ TEST(EclipseCompute, SolarEclipsesOutsideTheFit)
     }
 }
 
+// Eclipses that lie within a hair of a type boundary, from the catalogue
+// rows of the Five Millennium Canons (Espenak & Meeus, NASA TP-2006-214141
+// and TP-2009-214172; greatest eclipse in TD, type, gamma, magnitude;
+// Julian calendar before 1582). Solar: hybrids whose path is total in the
+// middle and annular at one end only by the drift of l2 between greatest
+// eclipse and the end of the path (104 Jun 10, 107 Oct 4 and 143 Oct 25,
+// the canon's "H2"), hybrids and annular eclipses of magnitude within
+// 0.0011 of 1, partial eclipses grazing the Earth near a pole (magnitude
+// under 0.012: they hang on the distance to the flattened Earth's limb),
+// a non-central total and annular eclipses with no northern limit. Lunar:
+// umbral magnitudes within 0.035 of 0 or 1.
+struct CanonBorderline {
+    EclipseKind kind;
+    int year, month, day, hour, minute, second;
+    char type;
+    double gamma;
+    double magnitude;  // solar: eclipse magnitude; lunar: umbral
+    double penumbral;  // lunar only
+};
+const CanonBorderline kCanonBorderline[] = {
+    {EclipseKind::Solar, 94, 7, 1, 10, 27, 36, 'P', -1.5566, 0.0070, 0},
+    {EclipseKind::Solar, 104, 6, 10, 13, 31, 44, 'H', 0.8576, 1.0087, 0},
+    {EclipseKind::Solar, 107, 10, 4, 5, 45, 26, 'H', -0.4727, 1.0149, 0},
+    {EclipseKind::Solar, 108, 2, 29, 17, 15, 40, 'P', -1.5625, 0.0082, 0},
+    {EclipseKind::Solar, 115, 5, 11, 20, 48, 54, 'T', -1.0051, 1.0117, 0},
+    {EclipseKind::Solar, 121, 12, 27, 13, 50, 54, 'H', -0.6196, 1.0002, 0},
+    {EclipseKind::Solar, 123, 11, 6, 3, 1, 20, 'A', 0.9783, 0.9098, 0},
+    {EclipseKind::Solar, 140, 1, 7, 22, 24, 43, 'A', -0.6151, 0.9989, 0},
+    {EclipseKind::Solar, 143, 10, 25, 22, 40, 7, 'H', -0.4397, 1.0158, 0},
+    {EclipseKind::Solar, 1848, 8, 28, 19, 18, 22, 'P', -1.5475, 0.0090, 0},
+    {EclipseKind::Solar, 1858, 3, 15, 12, 5, 28, 'A', 0.6461, 0.9996, 0},
+    {EclipseKind::Solar, 1859, 2, 3, 1, 22, 42, 'P', -1.5659, 0.0077, 0},
+    {EclipseKind::Solar, 1874, 10, 10, 11, 13, 33, 'A', 0.9889, 0.9193, 0},
+    {EclipseKind::Solar, 1876, 3, 25, 20, 5, 6, 'A', 0.6142, 0.9999, 0},
+    {EclipseKind::Solar, 1894, 4, 6, 3, 53, 41, 'H', 0.5740, 1.0001, 0},
+    {EclipseKind::Solar, 1909, 6, 17, 23, 18, 38, 'H', 0.8957, 1.0065, 0},
+    {EclipseKind::Solar, 1912, 4, 17, 11, 34, 22, 'H', 0.5280, 1.0003, 0},
+    {EclipseKind::Solar, 1916, 12, 24, 20, 46, 22, 'P', -1.5321, 0.0114, 0},
+    {EclipseKind::Lunar, 2027, 7, 18, 16, 4, 9, 'N', -1.5758, -1.0680, 0.0014},
+    {EclipseKind::Lunar, 2028, 1, 12, 4, 14, 13, 'P', 0.9817, 0.0662, 1.0468},
+    {EclipseKind::Lunar, 2034, 9, 28, 2, 47, 37, 'P', -1.0110, 0.0144, 0.9911},
+    {EclipseKind::Lunar, 2042, 9, 29, 10, 45, 47, 'N', -1.0261, -0.0031, 0.9528},
+    {EclipseKind::Lunar, 2053, 8, 29, 8, 5, 50, 'N', 1.0164, -0.0330, 1.0191},
+    {EclipseKind::Lunar, 2063, 3, 14, 16, 5, 49, 'P', -1.0007, 0.0342, 1.0088},
+    {EclipseKind::Lunar, 2068, 11, 9, 11, 47, 0, 'T', 0.4645, 1.0149, 1.9962},
+    {EclipseKind::Lunar, 2070, 4, 25, 9, 21, 24, 'N', 1.0044, -0.0209, 1.0515},
+    {EclipseKind::Lunar, 2082, 2, 13, 6, 29, 19, 'P', 1.0101, 0.0134, 0.9955},
+    {EclipseKind::Lunar, 2097, 10, 21, 1, 30, 55, 'T', -0.4608, 1.0097, 2.0152},
+};
+
+TEST(EclipseCompute, BorderlineEclipsesOfTheCanons)
+{
+    REQUIRE_EPHEMERIS();
+    for (const CanonBorderline& c : kCanonBorderline) {
+        SCOPED_TRACE(testing::Message() << c.year << "-" << c.month << "-" << c.day);
+        const double jd = JulianDateFromCivil(CivilDateTime{c.year, c.month, c.day, c.hour, c.minute, double(c.second)});
+        const auto e = EclipseAtSyzygyNear(jd, c.kind);
+        ASSERT_TRUE(e.has_value());
+        EXPECT_EQ(c.type, e->type);
+        // Seconds: within 5 s (4 s at most here).
+        EXPECT_NEAR_UNIT(jd, e->jdTT, 5.0 / 86400.0, kSecondsFromDays);
+        // Gamma within 0.0006 Earth radii (4 km); the magnitudes within
+        // 0.001 (0.0006 at most here, for the grazing partial eclipse of 94).
+        EXPECT_NEAR_UNIT(c.gamma, e->gamma, 0.0006, kSame);
+        EXPECT_NEAR_UNIT(c.magnitude, e->magnitude, 0.001, kSame);
+        if (c.kind == EclipseKind::Lunar) {
+            EXPECT_NEAR_UNIT(c.penumbral, e->penumbralMagnitude, 0.001, kSame);
+        }
+    }
+}
+
 // The polynomial elements of three eclipses, t0 and coefficients as
 // published (x, y, l1, l2 in Earth radii; d and μ in degrees).
 struct CanonElements {
@@ -195,6 +266,48 @@ TEST(EclipseCompute, AnchoredSketchFollowsTheExactPlaces)
             EXPECT_LT(angle(exact.moonRaRad, exact.moonDecRad, quick.moonRaRad, quick.moonDecRad), 25.0 * kMas) << m;
             EXPECT_LT(angle(exact.sunRaRad, exact.sunDecRad, quick.sunRaRad, quick.sunDecRad), 20.0 * kMas) << m;
             EXPECT_NEAR(exact.moonDistanceKm, quick.moonDistanceKm, 0.05) << m;
+        }
+        // The neighbours summed together with the anchor (angle addition
+        // from the anchor's sines) are the places At gives one by one, to
+        // the rounding of arguments of some 10⁵ rad: 1e-11 rad is 2 µas.
+        CAnchoredSunMoon single, spread;
+        ASSERT_TRUE(single.Anchor(jd0));
+        ASSERT_TRUE(spread.AnchorWithNeighbours(jd0, 0.02, SunSeries::Full));
+        for (const double jd : {jd0 + (-1.0) * 0.02, jd0 + 1.0 * 0.02}) {
+            const SunMoonPlaces a = single.At(jd), b = spread.At(jd);
+            EXPECT_NEAR(a.moonRaRad, b.moonRaRad, 1e-11);
+            EXPECT_NEAR(a.moonDecRad, b.moonDecRad, 1e-11);
+            EXPECT_NEAR(a.moonDistanceKm, b.moonDistanceKm, 1e-5);
+            EXPECT_NEAR(a.sunRaRad, b.sunRaRad, 1e-11);
+        }
+    }
+}
+
+// The tables are computed with the quick Sun and, near an edge, again with
+// the exact places: every record must come out as the exact computation
+// alone gives it. −650 … −601 is where the quick Sun strays most (the
+// omitted terms of powers t and t² weigh most far from J2000); 1951 … 2000
+// is the modern era.
+TEST(EclipseCompute, QuickSunGivesTheExactRecords)
+{
+    REQUIRE_EPHEMERIS();
+    for (const int first : {-650, 1951}) {
+        const EclipseList list = FindEclipses(first, first + 49, EclipseKinds::Both);
+        ASSERT_GT(list.events.size(), 200u);
+        for (const EclipseEvent& quick : list.events) {
+            const std::optional<EclipseEvent> exact = EclipseAtSyzygyNear(quick.jdTT, quick.kind);
+            ASSERT_TRUE(exact.has_value()) << quick.jdTT;
+            SCOPED_TRACE(std::to_string(exact->jdTT));
+            EXPECT_EQ(quick.type, exact->type);
+            EXPECT_EQ(std::lround((quick.jdTT - 0.5) * 1440.0), std::lround((exact->jdTT - 0.5) * 1440.0));
+            // The magnitude the tables keep: penumbral for a penumbral eclipse.
+            auto kept = [](const EclipseEvent& e) {
+                return std::lround(100.0 * (e.kind == EclipseKind::Lunar && e.type == 'N' ? e.penumbralMagnitude
+                                                                                       : e.magnitude));
+            };
+            EXPECT_EQ(kept(quick), kept(*exact));
+            // The quick Sun's own error: under a second of time.
+            EXPECT_NEAR_UNIT(exact->jdTT, quick.jdTT, 1.0 / 86400.0, kSecondsFromDays);
         }
     }
 }
