@@ -294,6 +294,60 @@ bool CometFilter::Accept(const CometElements& c) const
     }
 }
 
+std::vector<std::uint32_t> SelectAsteroids(const std::vector<AsteroidElements>& list, const AsteroidFilter& filter)
+{
+    std::vector<std::uint32_t> kept;
+    kept.reserve(filter.mode == 0 || filter.mode == 1 ? std::min<std::size_t>(list.size(), 4096) : list.size());
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        bool stop = false;
+        if (filter.Accept(list[i], stop)) kept.push_back(static_cast<std::uint32_t>(i));
+        if (stop) break;
+    }
+    return kept;
+}
+
+std::vector<std::uint32_t> SelectComets(const std::vector<CometElements>& list, const CometFilter& filter)
+{
+    std::vector<std::uint32_t> kept;
+    for (std::size_t i = 0; i < list.size(); ++i)
+        if (filter.Accept(list[i])) kept.push_back(static_cast<std::uint32_t>(i));
+    return kept;
+}
+
+std::string DescribeFilter(const AsteroidFilter& f)
+{
+    char text[160];
+    switch (f.mode) {
+    case 0:
+        return "mode 0: entries marked A";
+    case 1:
+        std::snprintf(text, sizeof text, "mode 1: in file order up to number %d", f.numberLimit);
+        return text;
+    case 2:
+        std::snprintf(text, sizeof text, "mode 2: H from %.1f to %.1f", static_cast<double>(f.hMin),
+                      static_cast<double>(f.hMax));
+        return text;
+    default:
+        return "every entry";
+    }
+}
+
+std::string DescribeFilter(const CometFilter& f)
+{
+    char text[160];
+    switch (f.mode) {
+    case 0:
+        return "mode 0: entries marked A";
+    case 1:
+        std::snprintf(text, sizeof text, "mode 1: perihelion within %.0f days of the map's date", f.days);
+        return text;
+    case 2:
+        return "mode 2: none";
+    default:
+        return "every entry";
+    }
+}
+
 // ----------------------------------------------------------- catalogues
 
 CatalogReadResult ParseAsteroidCatalog(std::string_view text, const AsteroidFilter& filter,

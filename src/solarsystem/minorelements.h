@@ -71,7 +71,8 @@ bool ParseCometLine(std::string_view line, CometElements& out, std::string* why 
 std::string FormatAsteroidLine(const AsteroidElements& a);
 std::string FormatCometLine(const CometElements& c);
 
-// Which entries a catalogue read keeps.
+// Which entries a catalogue read keeps (the load filter). Any other mode
+// (−1 by convention) keeps every entry.
 struct AsteroidFilter {
     int mode = 1;            // 0 flagged 'A'; 1 in file order up to number `numberLimit`; 2 H in [hMin, hMax]
     int numberLimit = 1000;
@@ -79,13 +80,31 @@ struct AsteroidFilter {
     float hMax = 11.0f;
     // Mode 1: the entry whose number reaches the limit is kept and reading stops.
     bool Accept(const AsteroidElements& a, bool& stopAfter) const;
+    bool operator==(const AsteroidFilter&) const = default;
 };
 struct CometFilter {
     int mode = 1;            // 0 flagged 'A'; 1 perihelion within `days` of `jdTT`; 2 none
     double days = 730.0;
     double jdTT = 2451545.0;
     bool Accept(const CometElements& c) const;
+    // The date matters only to mode 1.
+    bool operator==(const CometFilter& o) const
+    {
+        return mode == o.mode && (mode != 1 || (days == o.days && jdTT == o.jdTT));
+    }
 };
+// Every entry: what the catalogue windows edit and save.
+inline AsteroidFilter AllAsteroids() { return AsteroidFilter{-1, 0, 0.0f, 0.0f}; }
+inline CometFilter AllComets() { return CometFilter{-1, 0.0, 0.0}; }
+
+// The entries of a list, in list order, that a load filter keeps (their
+// indices): what reading the list's file through the filter would load.
+// Mode 1 for asteroids stops after the entry whose number reaches the limit.
+std::vector<std::uint32_t> SelectAsteroids(const std::vector<AsteroidElements>& list, const AsteroidFilter& filter);
+std::vector<std::uint32_t> SelectComets(const std::vector<CometElements>& list, const CometFilter& filter);
+// "mode 1: in file order up to number 1000" and the like, for messages.
+std::string DescribeFilter(const AsteroidFilter& filter);
+std::string DescribeFilter(const CometFilter& filter);
 
 // A line that could not be taken, for the messages of an import.
 struct RefusedLine {
