@@ -211,7 +211,7 @@ void DrawPath(DrawContext& ctx, const MinorChartPath& path)
 {
     QPainter& p = ctx.painter;
     const double W = ctx.Width(), H = ctx.Height();
-    QPen pen(ctx.palette.planetLabel, ctx.LineWidth());
+    QPen pen(ctx.palette.minorLabel, ctx.LineWidth());
     p.setPen(pen);
     p.setBrush(Qt::NoBrush);
     std::vector<ScreenPoint> s(path.points.size());
@@ -288,7 +288,7 @@ void CMinorLayer::Draw(DrawContext& ctx, LayerSlot)
     const QFontMetricsF fm(ctx.fonts.label);
     const double gap = ctx.Px(0.02);
     p.setFont(ctx.fonts.label);
-    QColor tailColour = ctx.palette.planetLit;
+    const QColor tailColour = ctx.palette.cometTail;
     for (const MinorChartPath& path : m_paths) DrawPath(ctx, path);
     ctx.scene.Reserve(m_entries.size());
     for (const MinorChartEntry& e : m_entries) {
@@ -325,16 +325,16 @@ void CMinorLayer::Draw(DrawContext& ctx, LayerSlot)
             p.drawPolygon(fan);
         }
         p.setPen(Qt::NoPen);
-        p.setBrush(ctx.palette.planetLit);
         if (asteroid) {
+            p.setBrush(ctx.palette.asteroid);
             p.drawEllipse(QPointF(s.x, s.y), radius, radius);
         } else {
             // A comet's head: a disc in a faint coma.
-            QColor coma = ctx.palette.planetLit;
+            QColor coma = ctx.palette.cometHead;
             coma.setAlpha(90);
             p.setBrush(coma);
             p.drawEllipse(QPointF(s.x, s.y), radius * 1.8, radius * 1.8);
-            p.setBrush(ctx.palette.planetLit);
+            p.setBrush(ctx.palette.cometHead);
             p.drawEllipse(QPointF(s.x, s.y), radius, radius);
         }
         ctx.labels.Occupy({s.x - radius, s.y - radius, s.x + radius, s.y + radius});
@@ -373,7 +373,7 @@ void CMinorLayer::Draw(DrawContext& ctx, LayerSlot)
         const int k = ctx.labels.Place(candidates);
         if (k >= 0) {
             const LabelRect& box = candidates[k];
-            p.setPen(ctx.palette.planetLabel);
+            p.setPen(ctx.palette.minorLabel);
             p.drawText(QPointF(box.x0, box.y0 + fm.ascent()), text);
         }
     }

@@ -159,3 +159,23 @@ TEST(MinorLayer, ChartsDrawTheLoadedSet)
     chart.Render();
     EXPECT_EQ(catalogs->LoadedComets(), std::vector<std::uint32_t>{2});
 }
+
+// Comets and asteroids have colours of their own in each scheme: apart from
+// the planets' on the dark sky, pure red in the night-vision scheme (which
+// must keep the observer's dark adaptation), ink on paper.
+TEST(MinorLayer, SchemesGiveCometsAndAsteroidsTheirOwnColours)
+{
+    const ChartPalette normal = MakePalette(ColourScheme::Normal, SurfaceKind::RasterDisplay, false);
+    EXPECT_NE(normal.cometHead, normal.planetLit);
+    EXPECT_NE(normal.asteroid, normal.planetLit);
+    EXPECT_NE(normal.cometHead, normal.asteroid);
+    EXPECT_NE(normal.minorLabel, normal.planetLabel);
+    const ChartPalette red = MakePalette(ColourScheme::RedNightVision, SurfaceKind::RasterDisplay, false);
+    for (const QColor& c : {red.cometHead, red.cometTail, red.asteroid, red.minorLabel}) {
+        EXPECT_EQ(c.green(), 0);
+        EXPECT_EQ(c.blue(), 0);
+    }
+    const ChartPalette paper = MakePalette(ColourScheme::Normal, SurfaceKind::Printer, true);
+    for (const QColor& c : {paper.cometHead, paper.asteroid, paper.minorLabel})
+        EXPECT_EQ(c.red(), c.green()) << "monochrome print: grey";
+}
