@@ -373,11 +373,17 @@ void CMinorCatalogDialog::UpdateTitle()
     const std::size_t total = asteroid ? c.Asteroids().size() : c.Comets().size();
     const std::size_t loaded = asteroid ? c.LoadedAsteroids().size() : c.LoadedComets().size();
     // The window edits the whole file; the charts and find see the loaded part.
-    m_count->setText(tr("%1 of %2 entries shown; %3 loaded by the load filter (%4), the others kept in the file")
-                         .arg(m_model->rowCount())
-                         .arg(total)
-                         .arg(loaded)
-                         .arg(Q(asteroid ? DescribeFilter(c.AsteroidLoadFilter()) : DescribeFilter(c.CometLoadFilter()))));
+    QString count = tr("%1 of %2 entries shown; %3 loaded by the load filter (%4), the others kept in the file")
+                        .arg(m_model->rowCount())
+                        .arg(total)
+                        .arg(loaded)
+                        .arg(Q(asteroid ? DescribeFilter(c.AsteroidLoadFilter()) : DescribeFilter(c.CometLoadFilter())));
+    const CatalogOtherLines& others = c.OtherLines(m_kind);
+    if (!others.Empty())
+        count += tr("; %1 comment or unreadable lines%2 kept as they are")
+                     .arg(others.lines.size())
+                     .arg(others.tail.empty() ? QString() : tr(" and the lines after the end-of-list line"));
+    m_count->setText(count);
 }
 
 int CMinorCatalogDialog::SelectedEntry() const
@@ -449,8 +455,7 @@ void CMinorCatalogDialog::DeleteEntry()
                                                                               : "Delete comet \"%s\" from the catalog?",
                                                 name.c_str());
     if (QMessageBox::question(this, windowTitle(), question) != QMessageBox::Yes) return;
-    if (m_kind == MinorKind::Asteroid) c.Asteroids().erase(c.Asteroids().begin() + i);
-    else c.Comets().erase(c.Comets().begin() + i);
+    c.EraseEntry(m_kind, static_cast<std::size_t>(i));
     // Paths name entries by their place in the list: the deleted entry's
     // path goes, those after it move up.
     std::vector<MinorPathRequest> paths;

@@ -179,8 +179,11 @@ void CMinorCatalogs::Reload()
     m_comets.clear();
     // The whole file is held (the windows edit and save it whole); the load
     // filter then chooses what the program loads from it.
-    ReportRefusedLines(m_asteroidPath, ReadAsteroidCatalog(m_asteroidPath, AllAsteroids(), m_asteroids), "an asteroid");
-    ReportRefusedLines(m_cometPath, ReadCometCatalog(m_cometPath, AllComets(), m_comets), "a comet");
+    m_asteroidOthers = {};
+    m_cometOthers = {};
+    ReportRefusedLines(m_asteroidPath, ReadAsteroidCatalog(m_asteroidPath, AllAsteroids(), m_asteroids, &m_asteroidOthers),
+                       "an asteroid");
+    ReportRefusedLines(m_cometPath, ReadCometCatalog(m_cometPath, AllComets(), m_comets, &m_cometOthers), "a comet");
     Reselect(MinorKind::Asteroid);
     Reselect(MinorKind::Comet);
     m_asteroidsChanged = m_cometsChanged = false;
@@ -227,6 +230,20 @@ void CMinorCatalogs::EnsureLoaded()
     if (!m_loaded) Reload();
 }
 
+void CMinorCatalogs::EraseEntry(MinorKind kind, std::size_t index)
+{
+    if (kind == MinorKind::Asteroid) {
+        if (index >= m_asteroids.size()) return;
+        m_asteroids.erase(m_asteroids.begin() + static_cast<std::ptrdiff_t>(index));
+        m_asteroidOthers.EntryErased(index);
+    } else {
+        if (index >= m_comets.size()) return;
+        m_comets.erase(m_comets.begin() + static_cast<std::ptrdiff_t>(index));
+        m_cometOthers.EntryErased(index);
+    }
+    MarkChanged(kind);
+}
+
 void CMinorCatalogs::MarkChanged(MinorKind kind)
 {
     (kind == MinorKind::Asteroid ? m_asteroidsChanged : m_cometsChanged) = true;
@@ -239,8 +256,9 @@ std::optional<std::string> CMinorCatalogs::Save(MinorKind kind, const std::strin
     std::string& target = kind == MinorKind::Asteroid ? m_asteroidPath : m_cometPath;
     if (!path.empty()) target = path;
     if (target.empty()) target = DefaultCatalogPath(kind);
-    const std::optional<std::string> error =
-        kind == MinorKind::Asteroid ? WriteAsteroidCatalog(target, m_asteroids) : WriteCometCatalog(target, m_comets);
+    const std::optional<std::string> error = kind == MinorKind::Asteroid
+                                                 ? WriteAsteroidCatalog(target, m_asteroids, m_asteroidOthers)
+                                                 : WriteCometCatalog(target, m_comets, m_cometOthers);
     if (!error) (kind == MinorKind::Asteroid ? m_asteroidsChanged : m_cometsChanged) = false;
     return error;
 }

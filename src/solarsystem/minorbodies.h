@@ -119,6 +119,16 @@ public:
     // Edits set the changed flag, choose the loaded set again and bump the
     // generation (layers that keep computed places watch it).
     void MarkChanged(MinorKind kind);
+    // Deletes an entry of the file (the lines kept around it follow), then
+    // marks the change.
+    void EraseEntry(MinorKind kind, std::size_t index);
+    // The lines of the file that are not entries (comments, lines that could
+    // not be read, the comets' end-of-list line and what follows it): not
+    // loaded, but written back where they were when the catalogue is saved.
+    const CatalogOtherLines& OtherLines(MinorKind kind) const
+    {
+        return kind == MinorKind::Asteroid ? m_asteroidOthers : m_cometOthers;
+    }
     bool Changed(MinorKind kind) const { return kind == MinorKind::Asteroid ? m_asteroidsChanged : m_cometsChanged; }
     std::uint64_t Generation() const { return m_generation; }
     // Saves one list to its path (or to `path` when given, which becomes its
@@ -155,6 +165,7 @@ private:
     AsteroidFilter m_asteroidFilter = AllAsteroids();
     CometFilter m_cometFilter = AllComets();
     std::vector<std::uint32_t> m_loadedAsteroids, m_loadedComets;
+    CatalogOtherLines m_asteroidOthers, m_cometOthers;
     std::vector<MinorPathRequest> m_paths;
 };
 

@@ -121,16 +121,36 @@ struct CatalogReadResult {
     bool cancelled = false;
 };
 
+// The lines of a catalogue file that are not entries, kept so that saving
+// the catalogue writes them back: comments and lines that could not be
+// read, each before the entry it preceded, and (comets) the end-of-list
+// line with everything after it, written last.
+struct CatalogOtherLines {
+    struct Line {
+        std::size_t beforeEntry = 0;  // the index of the entry that followed it
+        std::string text;
+    };
+    std::vector<Line> lines;
+    std::string tail;  // from the end-of-list line on, line ends included
+    bool Empty() const { return lines.empty() && tail.empty(); }
+    // An entry was deleted: lines before later entries move up with them.
+    void EntryErased(std::size_t index);
+};
+
 // Reads a catalogue applying the filter. A missing file reads nothing
 // (opened false). Comet reading stops at a line whose trimmed name is one
-// character long (the old end-of-list mark).
+// character long (the old end-of-list mark). `others`, when given,
+// receives the lines that are not entries (with the filter reading every
+// entry, so that entry indices are file positions).
 CatalogReadResult ReadAsteroidCatalog(const std::string& path, const AsteroidFilter& filter,
-                                      std::vector<AsteroidElements>& out);
-CatalogReadResult ReadCometCatalog(const std::string& path, const CometFilter& filter, std::vector<CometElements>& out);
+                                      std::vector<AsteroidElements>& out, CatalogOtherLines* others = nullptr);
+CatalogReadResult ReadCometCatalog(const std::string& path, const CometFilter& filter, std::vector<CometElements>& out,
+                                   CatalogOtherLines* others = nullptr);
 // The same from text already in memory.
 CatalogReadResult ParseAsteroidCatalog(std::string_view text, const AsteroidFilter& filter,
-                                       std::vector<AsteroidElements>& out);
-CatalogReadResult ParseCometCatalog(std::string_view text, const CometFilter& filter, std::vector<CometElements>& out);
+                                       std::vector<AsteroidElements>& out, CatalogOtherLines* others = nullptr);
+CatalogReadResult ParseCometCatalog(std::string_view text, const CometFilter& filter, std::vector<CometElements>& out,
+                                    CatalogOtherLines* others = nullptr);
 
 // Writes a whole catalogue atomically (temporary file, then rename), a
 // comment line first when `header` is not empty. The error text when it fails.
@@ -138,6 +158,11 @@ std::optional<std::string> WriteAsteroidCatalog(const std::string& path, const s
                                                 std::string_view header = {});
 std::optional<std::string> WriteCometCatalog(const std::string& path, const std::vector<CometElements>& list,
                                              std::string_view header = {});
+// The same with the file's other lines put back where they were.
+std::optional<std::string> WriteAsteroidCatalog(const std::string& path, const std::vector<AsteroidElements>& list,
+                                                const CatalogOtherLines& others);
+std::optional<std::string> WriteCometCatalog(const std::string& path, const std::vector<CometElements>& list,
+                                             const CatalogOtherLines& others);
 
 // ---------------------------------------------------------- MPC formats
 

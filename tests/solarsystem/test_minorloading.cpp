@@ -4,6 +4,7 @@
 // Built on the real MPC excerpts of tests/data/minor.
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,12 @@ struct CatalogueFiles {
         WriteCometCatalog(comets, originalComets);
     }
 };
+
+void WriteFileBytes(const std::string& path, const std::string& text)
+{
+    std::ofstream out(path, std::ios::binary);
+    out << text;
+}
 
 std::vector<std::uint32_t> Ids(std::initializer_list<std::uint32_t> ids) { return ids; }
 
@@ -174,4 +181,50 @@ TEST(MinorLoading, ImportAppliesTheLoadFilter)
     const CatalogReadResult h = ImportMpcorb(Excerpt("MPCORB.excerpt.DAT"), faint, imported);
     EXPECT_EQ(2, h.accepted);
     EXPECT_EQ(2, h.filteredOut);
+}
+
+// Lines that are not entries are not lost either: a comment, a damaged line
+// (kept for the user to mend, and reported again on the next load) and the
+// comets' end-of-list line with what follows it come back where they were.
+TEST(MinorLoading, SavingKeepsCommentsDamagedLinesAndTheEndOfTheList)
+{
+    CatalogueFiles files;
+    ASSERT_EQ(4u, files.originalAsteroids.size());
+    const std::string comment = "; asteroids of the first night";
+    const std::string damaged = "A     9 Metis                           2020 05 31.000 oops";
+    {
+        std::string text = comment + "\n";
+        for (std::size_t i = 0; i < 4; ++i) {
+            if (i == 2) text += damaged + "\n";
+            text += FormatAsteroidLine(files.originalAsteroids[i]);
+        }
+        WriteFileBytes(files.asteroids, text);
+        std::string comets = FormatCometLine(files.originalComets[0]) + FormatCometLine(files.originalComets[1]) +
+                             "x\n" + FormatCometLine(files.originalComets[2]);
+        WriteFileBytes(files.comets, comets);
+    }
+    CMinorCatalogs c;
+    c.SetPaths(files.asteroids, files.comets);
+    c.Reload();
+    ASSERT_EQ(4u, c.Asteroids().size());
+    ASSERT_EQ(2u, c.Comets().size()) << "reading stops at the one-character name";
+    ASSERT_EQ(2u, c.OtherLines(MinorKind::Asteroid).lines.size());
+    c.EraseEntry(MinorKind::Asteroid, 0);  // Ceres: the comment stays first
+    CometElements added = files.originalComets[0];
+    added.name = "C/2099 A1 (Test)";
+    c.Comets().push_back(added);
+    c.MarkChanged(MinorKind::Comet);
+    ASSERT_FALSE(c.Save(MinorKind::Asteroid));
+    ASSERT_FALSE(c.Save(MinorKind::Comet));
+
+    const std::string asteroids = orv::test::ReadFileBytes(files.asteroids);
+    const std::string expected = comment + "\n" + FormatAsteroidLine(files.originalAsteroids[1]) + damaged + "\n" +
+                                 FormatAsteroidLine(files.originalAsteroids[2]) +
+                                 FormatAsteroidLine(files.originalAsteroids[3]);
+    EXPECT_EQ(expected, asteroids);
+    // The new comet goes before the end of the list, where it is read.
+    const std::string comets = orv::test::ReadFileBytes(files.comets);
+    EXPECT_EQ(FormatCometLine(files.originalComets[0]) + FormatCometLine(files.originalComets[1]) +
+                  FormatCometLine(added) + "x\n" + FormatCometLine(files.originalComets[2]),
+              comets);
 }
