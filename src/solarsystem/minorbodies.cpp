@@ -286,6 +286,7 @@ std::vector<std::size_t> CMinorCatalogs::FindAsteroids(std::string_view text, Sc
     const std::size_t n = scope == Scope::Loaded ? m_loadedAsteroids.size() : m_asteroids.size();
     for (std::size_t k = 0; k < n; ++k) {
         const std::size_t i = scope == Scope::Loaded ? m_loadedAsteroids[k] : k;
+        if (i >= m_asteroids.size()) break;  // the list was cut without MarkChanged
         const AsteroidElements& a = m_asteroids[i];
         if (number) {
             if (a.number == *number && (wanted.empty() || Lower(a.name) == wanted)) found.push_back(i);
@@ -304,6 +305,7 @@ std::vector<std::size_t> CMinorCatalogs::FindComets(std::string_view text, Scope
     const std::size_t n = scope == Scope::Loaded ? m_loadedComets.size() : m_comets.size();
     for (std::size_t k = 0; k < n; ++k) {
         const std::size_t i = scope == Scope::Loaded ? m_loadedComets[k] : k;
+        if (i >= m_comets.size()) break;
         const std::string name = Lower(m_comets[i].name);
         // The whole name; the designation before the discoverer in
         // parentheses ("c/2020 f3"); a periodic comet's number and letter or

@@ -112,9 +112,11 @@ void CMinorObjectSource::CompletionNames(std::vector<std::string>& out) const
     // Names only for lists of a size a completer can offer.
     if (m_kind == MinorKind::Asteroid) {
         if (c.LoadedAsteroids().size() > 20000) return;
-        for (std::uint32_t i : c.LoadedAsteroids()) out.push_back(c.Asteroids()[i].name);
+        for (std::uint32_t i : c.LoadedAsteroids())
+            if (i < c.Asteroids().size()) out.push_back(c.Asteroids()[i].name);
     } else {
-        for (std::uint32_t i : c.LoadedComets()) out.push_back(c.Comets()[i].name);
+        for (std::uint32_t i : c.LoadedComets())
+            if (i < c.Comets().size()) out.push_back(c.Comets()[i].name);
     }
 }
 
