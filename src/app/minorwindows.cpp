@@ -780,10 +780,14 @@ QString CMinorCommands::ImportFile(const QString& path, bool showProgress)
         m_app.NotifyCatalogsChanged();
     }
     QString text2 = Report(r, replaced, path);
+    const QString filterText =
+        Q(asteroids ? DescribeFilter(c.AsteroidLoadFilter()) : DescribeFilter(c.CometLoadFilter()));
     if (r.filteredOut > 0)
         text2 += tr("\n%1 lines were left out by the load filter (%2); change it in Comet and Asteroid Options.")
                      .arg(r.filteredOut)
-                     .arg(Q(asteroids ? DescribeFilter(c.AsteroidLoadFilter()) : DescribeFilter(c.CometLoadFilter())));
+                     .arg(filterText);
+    if (r.stoppedAtLine > 0)
+        text2 += tr("\nReading stopped at line %1, the limit of the load filter (%2).").arg(r.stoppedAtLine).arg(filterText);
     if (r.accepted > 0)
         text2 += tr("\nThe %1 catalog has changed; save it from its catalog window.").arg(KindWord(target));
     return text2;

@@ -129,6 +129,7 @@ int RunMinorImport(Context& ctx)
                                        {"replaced", replaced},
                                        {"added", result.accepted - replaced},
                                        {"filteredOut", result.filteredOut},
+                                       {"stoppedAtLine", result.stoppedAtLine},
                                        {"loadFilter", Q(filterText)},
                                        {"refusedCount", static_cast<int>(result.refused.size())},
                                        {"refused", refused},
@@ -141,6 +142,9 @@ int RunMinorImport(Context& ctx)
     if (result.filteredOut > 0)
         ctx.out << result.filteredOut << " lines left out by the load filter (" << filterText
                 << "; --all imports every line)\n";
+    if (result.stoppedAtLine > 0)
+        ctx.out << "reading stopped at line " << result.stoppedAtLine << ", the limit of the load filter ("
+                << filterText << "; --all imports every line)\n";
     for (const RefusedLine& r : result.refused) ctx.out << "  line " << r.lineNumber << ": " << r.reason << '\n';
     ctx.out << catalogPath << ": " << total << (asteroids ? " asteroids" : " comets") << '\n';
     return 0;

@@ -382,6 +382,7 @@ CatalogReadResult ParseAsteroidCatalog(std::string_view text, const AsteroidFilt
         } else {
             ++result.filteredOut;
         }
+        if (stop) result.stoppedAtLine = number;
         return !stop;
     });
     return result;
@@ -768,6 +769,7 @@ CatalogReadResult ImportLines(std::string_view text, bool skipToRule, const Prog
             result.refused.push_back({number, why});
             break;
         }
+        if (stop) result.stoppedAtLine = number;
         return !stop;
     });
     if (progress && !result.cancelled) progress(1.0);

@@ -119,6 +119,9 @@ struct CatalogReadResult {
     int filteredOut = 0;
     std::vector<RefusedLine> refused;
     bool cancelled = false;
+    // Asteroid filter mode 1 reached its limit at this line (1-based) and
+    // the lines after it were not read; 0 when reading went to the end.
+    int stoppedAtLine = 0;
 };
 
 // The lines of a catalogue file that are not entries, kept so that saving

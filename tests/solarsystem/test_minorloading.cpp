@@ -173,6 +173,7 @@ TEST(MinorLoading, ImportAppliesTheLoadFilter)
     ASSERT_EQ(3u, imported.size());
     EXPECT_EQ(3, imported.back().number);
     EXPECT_EQ(3, r.accepted);
+    EXPECT_EQ(3, r.stoppedAtLine) << "Juno's line reaches the limit; Vesta's is not read";
     AsteroidFilter faint;  // mode 2: H 4.0–6.0 keeps Pallas (4.2) and Juno (5.2)
     faint.mode = 2;
     faint.hMin = 4.0f;
@@ -181,6 +182,7 @@ TEST(MinorLoading, ImportAppliesTheLoadFilter)
     const CatalogReadResult h = ImportMpcorb(Excerpt("MPCORB.excerpt.DAT"), faint, imported);
     EXPECT_EQ(2, h.accepted);
     EXPECT_EQ(2, h.filteredOut);
+    EXPECT_EQ(0, h.stoppedAtLine);
 }
 
 // Lines that are not entries are not lost either: a comment, a damaged line
