@@ -1,6 +1,7 @@
 #include "app/minorwindows.h"
 
 #include <QApplication>
+#include <QColor>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -28,6 +29,7 @@
 #include "app/dialogs.h"
 #include "app/mapwindow.h"
 #include "app/resulttablepanel.h"
+#include "solarsystem/drawminor.h"
 #include "map/mapdoc.h"
 #include "map/mapview.h"
 #include "observer/observer.h"
@@ -102,8 +104,14 @@ QVariant CMinorCatalogModel::headerData(int section, Qt::Orientation orientation
 
 QVariant CMinorCatalogModel::data(const QModelIndex& index, int role) const
 {
-    if (role != Qt::DisplayRole || index.row() < 0 || index.row() >= static_cast<int>(m_shown.size())) return {};
+    if (index.row() < 0 || index.row() >= static_cast<int>(m_shown.size())) return {};
     const std::size_t i = m_shown[static_cast<std::size_t>(index.row())];
+    // Entries the load filter leaves out are listed (they are saved with the
+    // file) but greyed: the charts and find do not see them.
+    if (role == Qt::ForegroundRole && !m_catalogs.IsLoaded(m_kind, i)) return QColor(Qt::gray);
+    if (role == Qt::ToolTipRole && !m_catalogs.IsLoaded(m_kind, i))
+        return tr("Not loaded: the load filter leaves it out (it stays in the file)");
+    if (role != Qt::DisplayRole) return {};
     if (m_kind == MinorKind::Asteroid) {
         const AsteroidElements& a = m_catalogs.Asteroids()[i];
         switch (index.column()) {
@@ -363,7 +371,19 @@ void CMinorCatalogDialog::UpdateTitle()
     setWindowTitle((asteroid ? tr("Asteroid Catalog - %1") : tr("Comet Catalog - %1")).arg(path) +
                    (c.Changed(m_kind) ? QStringLiteral(" *") : QString()));
     const std::size_t total = asteroid ? c.Asteroids().size() : c.Comets().size();
-    m_count->setText(tr("%1 of %2 entries shown").arg(m_model->rowCount()).arg(total));
+    const std::size_t loaded = asteroid ? c.LoadedAsteroids().size() : c.LoadedComets().size();
+    // The window edits the whole file; the charts and find see the loaded part.
+    QString count = tr("%1 of %2 entries shown; %3 loaded by the load filter (%4), the others kept in the file")
+                        .arg(m_model->rowCount())
+                        .arg(total)
+                        .arg(loaded)
+                        .arg(Q(asteroid ? DescribeFilter(c.AsteroidLoadFilter()) : DescribeFilter(c.CometLoadFilter())));
+    const CatalogOtherLines& others = c.OtherLines(m_kind);
+    if (!others.Empty())
+        count += tr("; %1 comment or unreadable lines%2 kept as they are")
+                     .arg(others.lines.size())
+                     .arg(others.tail.empty() ? QString() : tr(" and the lines after the end-of-list line"));
+    m_count->setText(count);
 }
 
 int CMinorCatalogDialog::SelectedEntry() const
@@ -435,8 +455,7 @@ void CMinorCatalogDialog::DeleteEntry()
                                                                               : "Delete comet \"%s\" from the catalog?",
                                                 name.c_str());
     if (QMessageBox::question(this, windowTitle(), question) != QMessageBox::Yes) return;
-    if (m_kind == MinorKind::Asteroid) c.Asteroids().erase(c.Asteroids().begin() + i);
-    else c.Comets().erase(c.Comets().begin() + i);
+    c.EraseEntry(m_kind, static_cast<std::size_t>(i));
     // Paths name entries by their place in the list: the deleted entry's
     // path goes, those after it move up.
     std::vector<MinorPathRequest> paths;
@@ -737,22 +756,21 @@ QString CMinorCommands::ImportFile(const QString& path, bool showProgress)
         return progress->wasCanceled() ? ProgressAnswer::Cancel : ProgressAnswer::Continue;
     };
     CMinorCatalogs& c = m_app.MinorCatalogs().Get();
+    // The import goes through the load filter in force: the active map's
+    // catalogue settings (Comet and Asteroid Options).
+    if (CMapWindow* w = m_activeMap()) ApplyLoadFilters(c, w->Doc());
     const bool asteroids = kind == ElementFileKind::Mpcorb || kind == ElementFileKind::AsteroidCatalog;
     CatalogReadResult r;
     int replaced = 0;
     if (asteroids) {
-        AsteroidFilter all;
-        all.mode = -1;
         std::vector<AsteroidElements> incoming;
-        r = kind == ElementFileKind::Mpcorb ? ImportMpcorb(text, all, incoming, report)
-                                            : ParseAsteroidCatalog(text, all, incoming);
+        r = kind == ElementFileKind::Mpcorb ? ImportMpcorb(text, c.AsteroidLoadFilter(), incoming, report)
+                                            : ParseAsteroidCatalog(text, c.AsteroidLoadFilter(), incoming);
         replaced = MergeAsteroids(c.Asteroids(), incoming);
     } else {
-        CometFilter all;
-        all.mode = -1;
         std::vector<CometElements> incoming;
-        r = kind == ElementFileKind::MpcComets ? ImportMpcComets(text, all, incoming, report)
-                                               : ParseCometCatalog(text, all, incoming);
+        r = kind == ElementFileKind::MpcComets ? ImportMpcComets(text, c.CometLoadFilter(), incoming, report)
+                                               : ParseCometCatalog(text, c.CometLoadFilter(), incoming);
         replaced = MergeComets(c.Comets(), incoming);
     }
     if (progress) progress->setValue(1000);
@@ -762,6 +780,14 @@ QString CMinorCommands::ImportFile(const QString& path, bool showProgress)
         m_app.NotifyCatalogsChanged();
     }
     QString text2 = Report(r, replaced, path);
+    const QString filterText =
+        Q(asteroids ? DescribeFilter(c.AsteroidLoadFilter()) : DescribeFilter(c.CometLoadFilter()));
+    if (r.filteredOut > 0)
+        text2 += tr("\n%1 lines were left out by the load filter (%2); change it in Comet and Asteroid Options.")
+                     .arg(r.filteredOut)
+                     .arg(filterText);
+    if (r.stoppedAtLine > 0)
+        text2 += tr("\nReading stopped at line %1, the limit of the load filter (%2).").arg(r.stoppedAtLine).arg(filterText);
     if (r.accepted > 0)
         text2 += tr("\nThe %1 catalog has changed; save it from its catalog window.").arg(KindWord(target));
     return text2;
@@ -853,6 +879,10 @@ void CMinorCommands::Options()
     if (dialog.exec() != QDialog::Accepted) return;
     w->Doc().asteroids = dialog.asteroids;
     w->Doc().comets = dialog.comets;
+    // The catalogues load through the new filters now, so that find and the
+    // catalogue window agree with the chart before it is redrawn.
+    ApplyLoadFilters(m_app.MinorCatalogs().Get(), w->Doc());
+    m_app.NotifyCatalogsChanged();
     w->View().asteroids = dialog.asteroidDisplay;
     w->View().comets = dialog.cometDisplay;
     w->View().SetLevel(w->View().Level(), CMapView::TakeField::No);

@@ -57,7 +57,7 @@ std::string KindName(ElementFileKind kind)
 
 int RunMinorImport(Context& ctx)
 {
-    const auto known = OptionNames({}, {"catalog"});
+    const auto known = OptionNames({}, {"catalog", "all"});
     if (const auto unknown = ctx.args.Unknown(known); !unknown.empty())
         return UsageError(ctx, "unknown option --" + unknown.front());
     if (ctx.args.Positional().size() > 1) return UsageError(ctx, "give one element file to import");
@@ -84,24 +84,35 @@ int RunMinorImport(Context& ctx)
                       asteroids ? DefaultCatalogPath(MinorKind::Comet) : catalogPath);
     catalogs.Reload();
 
+    // The load filter of the settings (sections "Asteroid" and "Comet", as
+    // new maps take them; comets within the day count of now) chooses what
+    // is imported, as it chooses what a catalogue loads; --all takes every
+    // line. Entries already in the catalogue stay whatever the filter.
+    AsteroidFilter asteroidFilter = AllAsteroids();
+    CometFilter cometFilter = AllComets();
+    if (!ctx.args.Has("all")) {
+        CAsteroidCatalogSettings a;
+        CCometCatalogSettings c;
+        a.Load(ctx.settings);
+        c.Load(ctx.settings);
+        CObserverDoc now;
+        now.SetToNow();
+        LoadFiltersOf(a, c, now.JulianDateTDT(), asteroidFilter, cometFilter);
+    }
     CatalogReadResult result;
     int replaced = 0;
     if (asteroids) {
-        // Everything in the file is taken: the maps filter when they draw.
-        AsteroidFilter all;
-        all.mode = -1;
         std::vector<AsteroidElements> incoming;
-        result = kind == ElementFileKind::Mpcorb ? ImportMpcorb(text, all, incoming)
-                                                 : ParseAsteroidCatalog(text, all, incoming);
+        result = kind == ElementFileKind::Mpcorb ? ImportMpcorb(text, asteroidFilter, incoming)
+                                                 : ParseAsteroidCatalog(text, asteroidFilter, incoming);
         replaced = MergeAsteroids(catalogs.Asteroids(), incoming);
     } else {
-        CometFilter all;
-        all.mode = -1;
         std::vector<CometElements> incoming;
-        result = kind == ElementFileKind::MpcComets ? ImportMpcComets(text, all, incoming)
-                                                    : ParseCometCatalog(text, all, incoming);
+        result = kind == ElementFileKind::MpcComets ? ImportMpcComets(text, cometFilter, incoming)
+                                                    : ParseCometCatalog(text, cometFilter, incoming);
         replaced = MergeComets(catalogs.Comets(), incoming);
     }
+    const std::string filterText = asteroids ? DescribeFilter(asteroidFilter) : DescribeFilter(cometFilter);
     if (result.accepted > 0) {
         catalogs.MarkChanged(target);
         if (const auto error = catalogs.Save(target)) return Fail(ctx, *error);
@@ -117,6 +128,9 @@ int RunMinorImport(Context& ctx)
                                        {"accepted", result.accepted},
                                        {"replaced", replaced},
                                        {"added", result.accepted - replaced},
+                                       {"filteredOut", result.filteredOut},
+                                       {"stoppedAtLine", result.stoppedAtLine},
+                                       {"loadFilter", Q(filterText)},
                                        {"refusedCount", static_cast<int>(result.refused.size())},
                                        {"refused", refused},
                                        {"entries", static_cast<double>(total)}});
@@ -125,6 +139,12 @@ int RunMinorImport(Context& ctx)
     ctx.out << path << ": " << KindName(kind) << '\n';
     ctx.out << result.accepted << " lines accepted (" << replaced << " replaced, " << result.accepted - replaced
             << " added), " << result.refused.size() << " refused\n";
+    if (result.filteredOut > 0)
+        ctx.out << result.filteredOut << " lines left out by the load filter (" << filterText
+                << "; --all imports every line)\n";
+    if (result.stoppedAtLine > 0)
+        ctx.out << "reading stopped at line " << result.stoppedAtLine << ", the limit of the load filter ("
+                << filterText << "; --all imports every line)\n";
     for (const RefusedLine& r : result.refused) ctx.out << "  line " << r.lineNumber << ": " << r.reason << '\n';
     ctx.out << catalogPath << ": " << total << (asteroids ? " asteroids" : " comets") << '\n';
     return 0;

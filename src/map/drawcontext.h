@@ -56,6 +56,10 @@ struct ChartPalette {
     QColor planetLit;           // the Sun's, the Moon's and the planets' discs and symbols, lit side
     QColor planetDark;          // the unlit part of a phase disc
     QColor planetLabel;         // their names
+    QColor cometHead;           // a comet's nucleus and coma
+    QColor cometTail;           // its tail (drawn fading away from the head)
+    QColor asteroid;            // asteroid discs
+    QColor minorLabel;          // comet and asteroid labels, their orbit paths and date ticks
 
     // A star colour brought to the scheme (red: luminance as red).
     QColor StarColour(const QColor& c) const;

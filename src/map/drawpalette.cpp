@@ -64,6 +64,12 @@ ChartPalette NormalPalette()
     p.planetLit = QColor(255, 236, 180);
     p.planetDark = QColor(60, 60, 72);
     p.planetLabel = QColor(255, 214, 120);
+    // Comets in the pale green-blue of their gas comae, asteroids a warm
+    // grey: both told apart from the planets' yellow at a glance.
+    p.cometHead = QColor(205, 245, 235);
+    p.cometTail = QColor(175, 225, 220);
+    p.asteroid = QColor(225, 205, 175);
+    p.minorLabel = QColor(185, 215, 205);
     return p;
 }
 
@@ -103,6 +109,10 @@ ChartPalette BlackOnWhitePalette()
     p.planetLit = QColor(0, 0, 0);
     p.planetDark = QColor(200, 200, 200);
     p.planetLabel = QColor(0, 0, 0);
+    p.cometHead = QColor(0, 0, 0);
+    p.cometTail = QColor(0, 0, 0);  // grey on paper as it fades
+    p.asteroid = QColor(0, 0, 0);
+    p.minorLabel = QColor(0, 0, 0);
     return p;
 }
 
@@ -141,6 +151,10 @@ ChartPalette RedPalette()
     p.planetLit = QColor(255, 0, 0);
     p.planetDark = QColor(60, 0, 0);
     p.planetLabel = QColor(200, 0, 0);
+    p.cometHead = QColor(255, 0, 0);
+    p.cometTail = QColor(230, 0, 0);
+    p.asteroid = QColor(235, 0, 0);
+    p.minorLabel = QColor(190, 0, 0);
     return p;
 }
 
@@ -180,7 +194,7 @@ ChartPalette MakePalette(ColourScheme scheme, SurfaceKind kind, bool monochrome)
                           &p.scaleLine, &p.compass, &p.labelBackground, &p.satellitePath, &p.satelliteText,
                           &p.conFigure, &p.conBoundary, &p.conName, &p.deepSkyGalaxy, &p.deepSkyCluster,
                           &p.deepSkyNebula, &p.deepSkyDark, &p.deepSkyLabel, &p.planetLit, &p.planetDark,
-                          &p.planetLabel})
+                          &p.planetLabel, &p.cometHead, &p.cometTail, &p.asteroid, &p.minorLabel})
             grey(*c);
     }
     if (p.redOnly) {

@@ -86,6 +86,31 @@ double CometTailLengthAU(double r, double g)
     return std::min(0.05 * activity / (r * r), 0.6);
 }
 
+void LoadFiltersOf(const CAsteroidCatalogSettings& a, const CCometCatalogSettings& c, double jdTT,
+                   AsteroidFilter& asteroids, CometFilter& comets)
+{
+    asteroids.mode = a.filterMode;
+    asteroids.numberLimit = a.filterNumber;
+    asteroids.hMin = static_cast<float>(a.filterHMin);
+    asteroids.hMax = static_cast<float>(a.filterHMax);
+    comets.mode = c.filterMode;
+    comets.days = c.filterDays;
+    comets.jdTT = jdTT;
+}
+
+void LoadFiltersOf(const CMapDoc& doc, AsteroidFilter& asteroids, CometFilter& comets)
+{
+    LoadFiltersOf(doc.asteroids, doc.comets, doc.observer.JulianDateTDT(), asteroids, comets);
+}
+
+void ApplyLoadFilters(CMinorCatalogs& catalogs, const CMapDoc& doc)
+{
+    AsteroidFilter asteroids;
+    CometFilter comets;
+    LoadFiltersOf(doc, asteroids, comets);
+    catalogs.SetLoadFilters(asteroids, comets);
+}
+
 std::vector<MinorChartEntry> ComputeMinorChart(const CMinorCatalogs& catalogs, MinorKind kind, const CMapDoc& doc,
                                                CPlanets& planets)
 {
@@ -106,38 +131,39 @@ std::vector<MinorChartEntry> ComputeMinorChart(const CMinorCatalogs& catalogs, M
     std::vector<bool> pathed(kind == MinorKind::Asteroid ? catalogs.Asteroids().size() : catalogs.Comets().size());
     for (const MinorPathRequest& r : catalogs.OrbitPaths())
         if (r.kind == kind && r.index < pathed.size()) pathed[r.index] = true;
+    // The loaded set (the load filter's choice), then the pathed bodies it
+    // left out, in catalogue order.
+    const std::vector<std::uint32_t>& loaded =
+        kind == MinorKind::Asteroid ? catalogs.LoadedAsteroids() : catalogs.LoadedComets();
+    std::vector<std::uint32_t> drawn;
+    drawn.reserve(loaded.size() + catalogs.OrbitPaths().size());
+    for (std::uint32_t i : loaded)
+        if (i < pathed.size()) {
+            drawn.push_back(i);
+            pathed[i] = false;
+        }
+    for (std::size_t i = 0; i < pathed.size(); ++i)
+        if (pathed[i]) drawn.push_back(static_cast<std::uint32_t>(i));
+    if (drawn.size() > loaded.size()) std::sort(drawn.begin(), drawn.end());
     if (kind == MinorKind::Asteroid) {
-        AsteroidFilter filter;
-        filter.mode = doc.asteroids.filterMode;
-        filter.numberLimit = doc.asteroids.filterNumber;
-        filter.hMin = static_cast<float>(doc.asteroids.filterHMin);
-        filter.hMax = static_cast<float>(doc.asteroids.filterHMax);
         const std::vector<AsteroidElements>& list = catalogs.Asteroids();
-        entries.reserve(std::min<std::size_t>(list.size(), 1u << 20));
-        for (std::size_t i = 0; i < list.size(); ++i) {
-            bool stop = false;
-            if (!filter.Accept(list[i], stop) && !pathed[i]) continue;
+        entries.reserve(drawn.size());
+        for (std::uint32_t i : drawn) {
             const std::optional<TwoBodyOrbit> orbit = OrbitOf(list[i]);
             MinorChartEntry e;
-            e.index = static_cast<std::uint32_t>(i);
+            e.index = i;
             if (orbit && MinorPlaceAt(frame, *orbit, e.place) == PositionStatus::Ok) {
                 FillMagnitude(list[i], e.place);
                 finish(e);
                 entries.push_back(e);
             }
-            if (stop) break;
         }
     } else {
-        CometFilter filter;
-        filter.mode = doc.comets.filterMode;
-        filter.days = doc.comets.filterDays;
-        filter.jdTT = jdTT;
         const std::vector<CometElements>& list = catalogs.Comets();
-        for (std::size_t i = 0; i < list.size(); ++i) {
-            if (!filter.Accept(list[i]) && !pathed[i]) continue;
+        for (std::uint32_t i : drawn) {
             const std::optional<TwoBodyOrbit> orbit = OrbitOf(list[i]);
             MinorChartEntry e;
-            e.index = static_cast<std::uint32_t>(i);
+            e.index = i;
             if (orbit && MinorPlaceAt(frame, *orbit, e.place) == PositionStatus::Ok) {
                 FillMagnitude(list[i], e.place);
                 finish(e);
@@ -185,7 +211,7 @@ void DrawPath(DrawContext& ctx, const MinorChartPath& path)
 {
     QPainter& p = ctx.painter;
     const double W = ctx.Width(), H = ctx.Height();
-    QPen pen(ctx.palette.planetLabel, ctx.LineWidth());
+    QPen pen(ctx.palette.minorLabel, ctx.LineWidth());
     p.setPen(pen);
     p.setBrush(Qt::NoBrush);
     std::vector<ScreenPoint> s(path.points.size());
@@ -239,16 +265,11 @@ void CMinorLayer::Draw(DrawContext& ctx, LayerSlot)
     CMinorCatalogs& catalogs = m_catalogs->Get();
     const CObserverDoc& o = ctx.doc.observer;
     const bool asteroid = m_kind == MinorKind::Asteroid;
-    ComputedFor now{o.JulianDate(), o.LatitudeRad(), o.LongitudeRad(), o.HeightM(), catalogs.Generation(), 0, 0, 0.0, 0.0};
-    if (asteroid) {
-        now.filterMode = ctx.doc.asteroids.filterMode;
-        now.filterNumber = ctx.doc.asteroids.filterNumber;
-        now.filterA = ctx.doc.asteroids.filterHMin;
-        now.filterB = ctx.doc.asteroids.filterHMax;
-    } else {
-        now.filterMode = ctx.doc.comets.filterMode;
-        now.filterA = ctx.doc.comets.filterDays;
-    }
+    // The map's catalogue settings are the load filters in force while it
+    // is drawn: the catalogue loads through them (a new loaded set, and a
+    // new generation, only when they change what is loaded).
+    ApplyLoadFilters(catalogs, ctx.doc);
+    const ComputedFor now{o.JulianDate(), o.LatitudeRad(), o.LongitudeRad(), o.HeightM(), catalogs.Generation()};
     if (m_computedFor != now) {
         m_entries = ComputeMinorChart(catalogs, m_kind, ctx.doc, m_planets);
         m_paths = ComputeMinorPaths(catalogs, m_kind, ctx.doc, m_planets);
@@ -267,7 +288,7 @@ void CMinorLayer::Draw(DrawContext& ctx, LayerSlot)
     const QFontMetricsF fm(ctx.fonts.label);
     const double gap = ctx.Px(0.02);
     p.setFont(ctx.fonts.label);
-    QColor tailColour = ctx.palette.planetLit;
+    const QColor tailColour = ctx.palette.cometTail;
     for (const MinorChartPath& path : m_paths) DrawPath(ctx, path);
     ctx.scene.Reserve(m_entries.size());
     for (const MinorChartEntry& e : m_entries) {
@@ -304,16 +325,16 @@ void CMinorLayer::Draw(DrawContext& ctx, LayerSlot)
             p.drawPolygon(fan);
         }
         p.setPen(Qt::NoPen);
-        p.setBrush(ctx.palette.planetLit);
         if (asteroid) {
+            p.setBrush(ctx.palette.asteroid);
             p.drawEllipse(QPointF(s.x, s.y), radius, radius);
         } else {
             // A comet's head: a disc in a faint coma.
-            QColor coma = ctx.palette.planetLit;
+            QColor coma = ctx.palette.cometHead;
             coma.setAlpha(90);
             p.setBrush(coma);
             p.drawEllipse(QPointF(s.x, s.y), radius * 1.8, radius * 1.8);
-            p.setBrush(ctx.palette.planetLit);
+            p.setBrush(ctx.palette.cometHead);
             p.drawEllipse(QPointF(s.x, s.y), radius, radius);
         }
         ctx.labels.Occupy({s.x - radius, s.y - radius, s.x + radius, s.y + radius});
@@ -352,7 +373,7 @@ void CMinorLayer::Draw(DrawContext& ctx, LayerSlot)
         const int k = ctx.labels.Place(candidates);
         if (k >= 0) {
             const LabelRect& box = candidates[k];
-            p.setPen(ctx.palette.planetLabel);
+            p.setPen(ctx.palette.minorLabel);
             p.drawText(QPointF(box.x0, box.y0 + fm.ascent()), text);
         }
     }

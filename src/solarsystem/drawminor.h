@@ -1,10 +1,10 @@
 // The chart's comet layer (place 13 of the chart's order) and asteroid
-// layer (place 14): the entries of the loaded catalogues that the map's
-// filter keeps, at their apparent topocentric places for the map's instant,
-// drawn brighter than the layer's magnitude limit at the levels the
-// "Comet" and "Asteroid" display settings give; asteroids labelled with
-// their number ("%1d"), comets with their designation, both optionally with
-// "Mag %.1lf". A comet's tail points away from the Sun, longer the nearer
+// layer (place 14): the loaded entries of the catalogues (the map's
+// catalogue settings are the load filters), at their apparent topocentric
+// places for the map's instant, drawn brighter than the layer's magnitude
+// limit at the levels the "Comet" and "Asteroid" display settings give;
+// asteroids labelled with their number ("%1d"), comets with their
+// designation, both optionally with "Mag %.1lf". A comet's tail points away from the Sun, longer the nearer
 // the comet is to the Sun and the brighter it is.
 #pragma once
 
@@ -43,9 +43,16 @@ struct MinorChartPath {
 std::vector<MinorChartPath> ComputeMinorPaths(const CMinorCatalogs& catalogs, MinorKind kind, const CMapDoc& doc,
                                               CPlanets& planets);
 
-// The bodies of one kind that the map's filter keeps (and those whose
-// orbit path is asked for), at the observer's
-// instant (topocentric). Bodies without a position are left out.
+// A map's catalogue settings as load filters (the comets' date is the
+// map's), and the same applied to the catalogues: what the map loads.
+void LoadFiltersOf(const CMapDoc& doc, AsteroidFilter& asteroids, CometFilter& comets);
+void LoadFiltersOf(const CAsteroidCatalogSettings& a, const CCometCatalogSettings& c, double jdTT,
+                   AsteroidFilter& asteroids, CometFilter& comets);
+void ApplyLoadFilters(CMinorCatalogs& catalogs, const CMapDoc& doc);
+
+// The loaded bodies of one kind (and those whose orbit path is asked for),
+// at the observer's instant (topocentric). Bodies without a position are
+// left out.
 std::vector<MinorChartEntry> ComputeMinorChart(const CMinorCatalogs& catalogs, MinorKind kind,
                                                const CMapDoc& doc, CPlanets& planets);
 
@@ -88,9 +95,7 @@ private:
     // zooms reuses them.
     struct ComputedFor {
         double jdUT = 0.0, latRad = 0.0, lonRad = 0.0, heightM = 0.0;
-        std::uint64_t generation = 0;
-        int filterMode = 0, filterNumber = 0;
-        double filterA = 0.0, filterB = 0.0;
+        std::uint64_t generation = 0;  // covers edits and the load filters
         bool operator==(const ComputedFor&) const = default;
     };
     std::optional<ComputedFor> m_computedFor;

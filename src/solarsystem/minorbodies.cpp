@@ -177,16 +177,52 @@ void CMinorCatalogs::Reload()
     if (m_cometPath.empty()) m_cometPath = DefaultCatalogPath(MinorKind::Comet);
     m_asteroids.clear();
     m_comets.clear();
-    // Everything is kept; each map applies its own filter when it draws.
-    AsteroidFilter all;
-    all.mode = -1;
-    CometFilter allComets;
-    allComets.mode = -1;
-    ReportRefusedLines(m_asteroidPath, ReadAsteroidCatalog(m_asteroidPath, all, m_asteroids), "an asteroid");
-    ReportRefusedLines(m_cometPath, ReadCometCatalog(m_cometPath, allComets, m_comets), "a comet");
+    // The whole file is held (the windows edit and save it whole); the load
+    // filter then chooses what the program loads from it.
+    m_asteroidOthers = {};
+    m_cometOthers = {};
+    ReportRefusedLines(m_asteroidPath, ReadAsteroidCatalog(m_asteroidPath, AllAsteroids(), m_asteroids, &m_asteroidOthers),
+                       "an asteroid");
+    ReportRefusedLines(m_cometPath, ReadCometCatalog(m_cometPath, AllComets(), m_comets, &m_cometOthers), "a comet");
+    Reselect(MinorKind::Asteroid);
+    Reselect(MinorKind::Comet);
     m_asteroidsChanged = m_cometsChanged = false;
     m_loaded = true;
     ++m_generation;
+}
+
+bool CMinorCatalogs::Reselect(MinorKind kind)
+{
+    if (kind == MinorKind::Asteroid) {
+        std::vector<std::uint32_t> kept = SelectAsteroids(m_asteroids, m_asteroidFilter);
+        if (kept == m_loadedAsteroids) return false;
+        m_loadedAsteroids = std::move(kept);
+    } else {
+        std::vector<std::uint32_t> kept = SelectComets(m_comets, m_cometFilter);
+        if (kept == m_loadedComets) return false;
+        m_loadedComets = std::move(kept);
+    }
+    return true;
+}
+
+void CMinorCatalogs::SetLoadFilters(const AsteroidFilter& asteroids, const CometFilter& comets)
+{
+    bool changed = false;
+    if (!(asteroids == m_asteroidFilter)) {
+        m_asteroidFilter = asteroids;
+        changed |= Reselect(MinorKind::Asteroid);
+    }
+    if (!(comets == m_cometFilter)) {
+        m_cometFilter = comets;
+        changed |= Reselect(MinorKind::Comet);
+    }
+    if (changed) ++m_generation;
+}
+
+bool CMinorCatalogs::IsLoaded(MinorKind kind, std::size_t index) const
+{
+    const std::vector<std::uint32_t>& loaded = kind == MinorKind::Asteroid ? m_loadedAsteroids : m_loadedComets;
+    return std::binary_search(loaded.begin(), loaded.end(), static_cast<std::uint32_t>(index));
 }
 
 void CMinorCatalogs::EnsureLoaded()
@@ -194,9 +230,24 @@ void CMinorCatalogs::EnsureLoaded()
     if (!m_loaded) Reload();
 }
 
+void CMinorCatalogs::EraseEntry(MinorKind kind, std::size_t index)
+{
+    if (kind == MinorKind::Asteroid) {
+        if (index >= m_asteroids.size()) return;
+        m_asteroids.erase(m_asteroids.begin() + static_cast<std::ptrdiff_t>(index));
+        m_asteroidOthers.EntryErased(index);
+    } else {
+        if (index >= m_comets.size()) return;
+        m_comets.erase(m_comets.begin() + static_cast<std::ptrdiff_t>(index));
+        m_cometOthers.EntryErased(index);
+    }
+    MarkChanged(kind);
+}
+
 void CMinorCatalogs::MarkChanged(MinorKind kind)
 {
     (kind == MinorKind::Asteroid ? m_asteroidsChanged : m_cometsChanged) = true;
+    Reselect(kind);
     ++m_generation;
 }
 
@@ -205,13 +256,14 @@ std::optional<std::string> CMinorCatalogs::Save(MinorKind kind, const std::strin
     std::string& target = kind == MinorKind::Asteroid ? m_asteroidPath : m_cometPath;
     if (!path.empty()) target = path;
     if (target.empty()) target = DefaultCatalogPath(kind);
-    const std::optional<std::string> error =
-        kind == MinorKind::Asteroid ? WriteAsteroidCatalog(target, m_asteroids) : WriteCometCatalog(target, m_comets);
+    const std::optional<std::string> error = kind == MinorKind::Asteroid
+                                                 ? WriteAsteroidCatalog(target, m_asteroids, m_asteroidOthers)
+                                                 : WriteCometCatalog(target, m_comets, m_cometOthers);
     if (!error) (kind == MinorKind::Asteroid ? m_asteroidsChanged : m_cometsChanged) = false;
     return error;
 }
 
-std::vector<std::size_t> CMinorCatalogs::FindAsteroids(std::string_view text) const
+std::vector<std::size_t> CMinorCatalogs::FindAsteroids(std::string_view text, Scope scope) const
 {
     std::vector<std::size_t> found;
     text = Trim(text);
@@ -231,7 +283,10 @@ std::vector<std::size_t> CMinorCatalogs::FindAsteroids(std::string_view text) co
         rest = {};
     }
     const std::string wanted = Lower(rest);
-    for (std::size_t i = 0; i < m_asteroids.size(); ++i) {
+    const std::size_t n = scope == Scope::Loaded ? m_loadedAsteroids.size() : m_asteroids.size();
+    for (std::size_t k = 0; k < n; ++k) {
+        const std::size_t i = scope == Scope::Loaded ? m_loadedAsteroids[k] : k;
+        if (i >= m_asteroids.size()) break;  // the list was cut without MarkChanged
         const AsteroidElements& a = m_asteroids[i];
         if (number) {
             if (a.number == *number && (wanted.empty() || Lower(a.name) == wanted)) found.push_back(i);
@@ -242,12 +297,15 @@ std::vector<std::size_t> CMinorCatalogs::FindAsteroids(std::string_view text) co
     return found;
 }
 
-std::vector<std::size_t> CMinorCatalogs::FindComets(std::string_view text) const
+std::vector<std::size_t> CMinorCatalogs::FindComets(std::string_view text, Scope scope) const
 {
     std::vector<std::size_t> found;
     const std::string wanted = Lower(Trim(text));
     if (wanted.empty()) return found;
-    for (std::size_t i = 0; i < m_comets.size(); ++i) {
+    const std::size_t n = scope == Scope::Loaded ? m_loadedComets.size() : m_comets.size();
+    for (std::size_t k = 0; k < n; ++k) {
+        const std::size_t i = scope == Scope::Loaded ? m_loadedComets[k] : k;
+        if (i >= m_comets.size()) break;
         const std::string name = Lower(m_comets[i].name);
         // The whole name; the designation before the discoverer in
         // parentheses ("c/2020 f3"); a periodic comet's number and letter or

@@ -78,7 +78,15 @@ struct MinorPathRequest {
 
 // The catalogues of one program, loaded once from their files and shared by
 // the chart layers, the sky-object sources, the dialogs and the command line.
-// They hold every entry of the file: each map applies its own filter.
+//
+// Each kind keeps two things. The file: every entry of the catalogue file in
+// file order, which the catalogue windows list, edit and save, so that
+// saving never drops an entry the load filter left out. The loaded set: the
+// entries the load filter in force keeps (their indices in the file), chosen
+// when the file is read, again after every edit and when the filter changes;
+// charts, find and the lists of visible objects use it. Mode 1 for asteroids
+// "stops reading" at the limit: the loaded set ends there, the rest of the
+// file is still held, unloaded.
 class CMinorCatalogs {
 public:
     // Paths default to "asteroid.cat" and "comet.cat" in the data folders;
@@ -92,14 +100,35 @@ public:
     // Reads each file on first use.
     void EnsureLoaded();
 
+    // Every entry of each file.
     std::vector<AsteroidElements>& Asteroids() { return m_asteroids; }
     std::vector<CometElements>& Comets() { return m_comets; }
     const std::vector<AsteroidElements>& Asteroids() const { return m_asteroids; }
     const std::vector<CometElements>& Comets() const { return m_comets; }
 
-    // Edits set the changed flag and bump the generation (layers that keep
-    // computed places watch it).
+    // The load filters in force. Setting different ones chooses the loaded
+    // sets again (bumping the generation when they change).
+    void SetLoadFilters(const AsteroidFilter& asteroids, const CometFilter& comets);
+    const AsteroidFilter& AsteroidLoadFilter() const { return m_asteroidFilter; }
+    const CometFilter& CometLoadFilter() const { return m_cometFilter; }
+    // The loaded sets: indices into Asteroids() and Comets(), in file order.
+    const std::vector<std::uint32_t>& LoadedAsteroids() const { return m_loadedAsteroids; }
+    const std::vector<std::uint32_t>& LoadedComets() const { return m_loadedComets; }
+    bool IsLoaded(MinorKind kind, std::size_t index) const;
+
+    // Edits set the changed flag, choose the loaded set again and bump the
+    // generation (layers that keep computed places watch it).
     void MarkChanged(MinorKind kind);
+    // Deletes an entry of the file (the lines kept around it follow), then
+    // marks the change.
+    void EraseEntry(MinorKind kind, std::size_t index);
+    // The lines of the file that are not entries (comments, lines that could
+    // not be read, the comets' end-of-list line and what follows it): not
+    // loaded, but written back where they were when the catalogue is saved.
+    const CatalogOtherLines& OtherLines(MinorKind kind) const
+    {
+        return kind == MinorKind::Asteroid ? m_asteroidOthers : m_cometOthers;
+    }
     bool Changed(MinorKind kind) const { return kind == MinorKind::Asteroid ? m_asteroidsChanged : m_cometsChanged; }
     std::uint64_t Generation() const { return m_generation; }
     // Saves one list to its path (or to `path` when given, which becomes its
@@ -108,8 +137,11 @@ public:
 
     // Entries whose designation matches the text: "Ceres", "(1) Ceres", "1",
     // "2004 MN4"; "C/2020 F3", "12P", "1P/Halley", "Halley". Case-blind.
-    std::vector<std::size_t> FindAsteroids(std::string_view text) const;
-    std::vector<std::size_t> FindComets(std::string_view text) const;
+    // Among the loaded entries (what the charts and the find box know), or
+    // the whole file (the command line, which names one object outright).
+    enum class Scope { Loaded, WholeFile };
+    std::vector<std::size_t> FindAsteroids(std::string_view text, Scope scope = Scope::WholeFile) const;
+    std::vector<std::size_t> FindComets(std::string_view text, Scope scope = Scope::WholeFile) const;
 
     // The orbit paths the charts draw (changing them bumps the generation).
     const std::vector<MinorPathRequest>& OrbitPaths() const { return m_paths; }
@@ -124,8 +156,16 @@ private:
     bool m_loaded = false;
     bool m_asteroidsChanged = false, m_cometsChanged = false;
     std::uint64_t m_generation = 1;
+    // Chooses the loaded set of a kind again; true when it changed.
+    bool Reselect(MinorKind kind);
+
     std::vector<AsteroidElements> m_asteroids;
     std::vector<CometElements> m_comets;
+    // Until a map's settings are applied, every entry is loaded.
+    AsteroidFilter m_asteroidFilter = AllAsteroids();
+    CometFilter m_cometFilter = AllComets();
+    std::vector<std::uint32_t> m_loadedAsteroids, m_loadedComets;
+    CatalogOtherLines m_asteroidOthers, m_cometOthers;
     std::vector<MinorPathRequest> m_paths;
 };
 

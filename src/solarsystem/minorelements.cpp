@@ -294,19 +294,85 @@ bool CometFilter::Accept(const CometElements& c) const
     }
 }
 
+std::vector<std::uint32_t> SelectAsteroids(const std::vector<AsteroidElements>& list, const AsteroidFilter& filter)
+{
+    std::vector<std::uint32_t> kept;
+    kept.reserve(filter.mode == 0 || filter.mode == 1 ? std::min<std::size_t>(list.size(), 4096) : list.size());
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        bool stop = false;
+        if (filter.Accept(list[i], stop)) kept.push_back(static_cast<std::uint32_t>(i));
+        if (stop) break;
+    }
+    return kept;
+}
+
+std::vector<std::uint32_t> SelectComets(const std::vector<CometElements>& list, const CometFilter& filter)
+{
+    std::vector<std::uint32_t> kept;
+    for (std::size_t i = 0; i < list.size(); ++i)
+        if (filter.Accept(list[i])) kept.push_back(static_cast<std::uint32_t>(i));
+    return kept;
+}
+
+std::string DescribeFilter(const AsteroidFilter& f)
+{
+    char text[160];
+    switch (f.mode) {
+    case 0:
+        return "mode 0: entries marked A";
+    case 1:
+        std::snprintf(text, sizeof text, "mode 1: in file order up to number %d", f.numberLimit);
+        return text;
+    case 2:
+        std::snprintf(text, sizeof text, "mode 2: H from %.1f to %.1f", static_cast<double>(f.hMin),
+                      static_cast<double>(f.hMax));
+        return text;
+    default:
+        return "every entry";
+    }
+}
+
+std::string DescribeFilter(const CometFilter& f)
+{
+    char text[160];
+    switch (f.mode) {
+    case 0:
+        return "mode 0: entries marked A";
+    case 1:
+        std::snprintf(text, sizeof text, "mode 1: perihelion within %.0f days of the map's date", f.days);
+        return text;
+    case 2:
+        return "mode 2: none";
+    default:
+        return "every entry";
+    }
+}
+
 // ----------------------------------------------------------- catalogues
 
+void CatalogOtherLines::EntryErased(std::size_t index)
+{
+    for (Line& l : lines)
+        if (l.beforeEntry > index) --l.beforeEntry;
+}
+
 CatalogReadResult ParseAsteroidCatalog(std::string_view text, const AsteroidFilter& filter,
-                                       std::vector<AsteroidElements>& out)
+                                       std::vector<AsteroidElements>& out, CatalogOtherLines* others)
 {
     CatalogReadResult result;
     result.opened = true;
+    const std::size_t first = out.size();
     ForEachLine(text, [&](int number, std::string_view line, std::size_t) {
-        if (Trim(line).empty() || line.front() == ';') return true;
+        if (Trim(line).empty()) return true;
+        if (line.front() == ';') {
+            if (others) others->lines.push_back({out.size() - first, std::string(line)});
+            return true;
+        }
         AsteroidElements a;
         std::string why;
         if (!ParseAsteroidLine(line, a, &why)) {
             result.refused.push_back({number, why});
+            if (others) others->lines.push_back({out.size() - first, std::string(line)});
             return true;
         }
         bool stop = false;
@@ -316,23 +382,39 @@ CatalogReadResult ParseAsteroidCatalog(std::string_view text, const AsteroidFilt
         } else {
             ++result.filteredOut;
         }
+        if (stop) result.stoppedAtLine = number;
         return !stop;
     });
     return result;
 }
 
-CatalogReadResult ParseCometCatalog(std::string_view text, const CometFilter& filter, std::vector<CometElements>& out)
+CatalogReadResult ParseCometCatalog(std::string_view text, const CometFilter& filter, std::vector<CometElements>& out,
+                                    CatalogOtherLines* others)
 {
     CatalogReadResult result;
     result.opened = true;
+    const std::size_t first = out.size();
     ForEachLine(text, [&](int number, std::string_view line, std::size_t) {
-        if (Trim(line).empty() || line.front() == ';') return true;
-        // A one-character name ends the list (how the old files were closed).
-        if (Trim(Columns(line, 0, 30)).size() == 1) return false;
+        if (Trim(line).empty()) return true;
+        if (line.front() == ';') {
+            if (others) others->lines.push_back({out.size() - first, std::string(line)});
+            return true;
+        }
+        // A one-character name ends the list (how the old files were closed);
+        // what follows is not read, but kept for saving.
+        if (Trim(Columns(line, 0, 30)).size() == 1) {
+            if (others) {
+                const std::size_t start = static_cast<std::size_t>(line.data() - text.data());
+                others->tail = std::string(text.substr(start));
+                if (!others->tail.empty() && others->tail.back() != '\n') others->tail += '\n';
+            }
+            return false;
+        }
         CometElements c;
         std::string why;
         if (!ParseCometLine(line, c, &why)) {
             result.refused.push_back({number, why});
+            if (others) others->lines.push_back({out.size() - first, std::string(line)});
             return true;
         }
         if (filter.Accept(c)) {
@@ -347,7 +429,7 @@ CatalogReadResult ParseCometCatalog(std::string_view text, const CometFilter& fi
 }
 
 CatalogReadResult ReadAsteroidCatalog(const std::string& path, const AsteroidFilter& filter,
-                                      std::vector<AsteroidElements>& out)
+                                      std::vector<AsteroidElements>& out, CatalogOtherLines* others)
 {
     std::string text, error;
     if (!ReadWholeFile(path, text, error)) {
@@ -355,10 +437,11 @@ CatalogReadResult ReadAsteroidCatalog(const std::string& path, const AsteroidFil
         r.error = error;
         return r;
     }
-    return ParseAsteroidCatalog(text, filter, out);
+    return ParseAsteroidCatalog(text, filter, out, others);
 }
 
-CatalogReadResult ReadCometCatalog(const std::string& path, const CometFilter& filter, std::vector<CometElements>& out)
+CatalogReadResult ReadCometCatalog(const std::string& path, const CometFilter& filter, std::vector<CometElements>& out,
+                                   CatalogOtherLines* others)
 {
     std::string text, error;
     if (!ReadWholeFile(path, text, error)) {
@@ -366,13 +449,14 @@ CatalogReadResult ReadCometCatalog(const std::string& path, const CometFilter& f
         r.error = error;
         return r;
     }
-    return ParseCometCatalog(text, filter, out);
+    return ParseCometCatalog(text, filter, out, others);
 }
 
 namespace {
 
 template <class List, class Format>
-std::optional<std::string> WriteCatalog(const std::string& path, const List& list, std::string_view header, Format f)
+std::optional<std::string> WriteCatalog(const std::string& path, const List& list, std::string_view header, Format f,
+                                        const CatalogOtherLines* others = nullptr)
 {
     std::string text;
     text.reserve(list.size() * 120 + header.size() + 4);
@@ -381,7 +465,20 @@ std::optional<std::string> WriteCatalog(const std::string& path, const List& lis
         std::string line;
         while (std::getline(lines, line)) text += "; " + line + "\n";
     }
-    for (const auto& e : list) text += f(e);
+    // The file's other lines go back before the entries they preceded (they
+    // are in file order); those after the last entry, then the tail, last.
+    std::size_t next = 0;
+    auto putOthersBefore = [&](std::size_t entry) {
+        if (!others) return;
+        for (; next < others->lines.size() && others->lines[next].beforeEntry <= entry; ++next)
+            text += others->lines[next].text + "\n";
+    };
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        putOthersBefore(i);
+        text += f(list[i]);
+    }
+    putOthersBefore(static_cast<std::size_t>(-1));
+    if (others) text += others->tail;
     const AtomicWriteResult r =
         WriteFileAtomically(path, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
     if (!r.ok) return "cannot write \"" + path + "\": " + r.error;
@@ -400,6 +497,18 @@ std::optional<std::string> WriteCometCatalog(const std::string& path, const std:
                                              std::string_view header)
 {
     return WriteCatalog(path, list, header, FormatCometLine);
+}
+
+std::optional<std::string> WriteAsteroidCatalog(const std::string& path, const std::vector<AsteroidElements>& list,
+                                                const CatalogOtherLines& others)
+{
+    return WriteCatalog(path, list, {}, FormatAsteroidLine, &others);
+}
+
+std::optional<std::string> WriteCometCatalog(const std::string& path, const std::vector<CometElements>& list,
+                                             const CatalogOtherLines& others)
+{
+    return WriteCatalog(path, list, {}, FormatCometLine, &others);
 }
 
 // ---------------------------------------------------------- MPC formats
@@ -660,6 +769,7 @@ CatalogReadResult ImportLines(std::string_view text, bool skipToRule, const Prog
             result.refused.push_back({number, why});
             break;
         }
+        if (stop) result.stoppedAtLine = number;
         return !stop;
     });
     if (progress && !result.cancelled) progress(1.0);

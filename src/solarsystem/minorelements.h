@@ -71,7 +71,8 @@ bool ParseCometLine(std::string_view line, CometElements& out, std::string* why 
 std::string FormatAsteroidLine(const AsteroidElements& a);
 std::string FormatCometLine(const CometElements& c);
 
-// Which entries a catalogue read keeps.
+// Which entries a catalogue read keeps (the load filter). Any other mode
+// (−1 by convention) keeps every entry.
 struct AsteroidFilter {
     int mode = 1;            // 0 flagged 'A'; 1 in file order up to number `numberLimit`; 2 H in [hMin, hMax]
     int numberLimit = 1000;
@@ -79,13 +80,31 @@ struct AsteroidFilter {
     float hMax = 11.0f;
     // Mode 1: the entry whose number reaches the limit is kept and reading stops.
     bool Accept(const AsteroidElements& a, bool& stopAfter) const;
+    bool operator==(const AsteroidFilter&) const = default;
 };
 struct CometFilter {
     int mode = 1;            // 0 flagged 'A'; 1 perihelion within `days` of `jdTT`; 2 none
     double days = 730.0;
     double jdTT = 2451545.0;
     bool Accept(const CometElements& c) const;
+    // The date matters only to mode 1.
+    bool operator==(const CometFilter& o) const
+    {
+        return mode == o.mode && (mode != 1 || (days == o.days && jdTT == o.jdTT));
+    }
 };
+// Every entry: what the catalogue windows edit and save.
+inline AsteroidFilter AllAsteroids() { return AsteroidFilter{-1, 0, 0.0f, 0.0f}; }
+inline CometFilter AllComets() { return CometFilter{-1, 0.0, 0.0}; }
+
+// The entries of a list, in list order, that a load filter keeps (their
+// indices): what reading the list's file through the filter would load.
+// Mode 1 for asteroids stops after the entry whose number reaches the limit.
+std::vector<std::uint32_t> SelectAsteroids(const std::vector<AsteroidElements>& list, const AsteroidFilter& filter);
+std::vector<std::uint32_t> SelectComets(const std::vector<CometElements>& list, const CometFilter& filter);
+// "mode 1: in file order up to number 1000" and the like, for messages.
+std::string DescribeFilter(const AsteroidFilter& filter);
+std::string DescribeFilter(const CometFilter& filter);
 
 // A line that could not be taken, for the messages of an import.
 struct RefusedLine {
@@ -100,18 +119,41 @@ struct CatalogReadResult {
     int filteredOut = 0;
     std::vector<RefusedLine> refused;
     bool cancelled = false;
+    // Asteroid filter mode 1 reached its limit at this line (1-based) and
+    // the lines after it were not read; 0 when reading went to the end.
+    int stoppedAtLine = 0;
+};
+
+// The lines of a catalogue file that are not entries, kept so that saving
+// the catalogue writes them back: comments and lines that could not be
+// read, each before the entry it preceded, and (comets) the end-of-list
+// line with everything after it, written last.
+struct CatalogOtherLines {
+    struct Line {
+        std::size_t beforeEntry = 0;  // the index of the entry that followed it
+        std::string text;
+    };
+    std::vector<Line> lines;
+    std::string tail;  // from the end-of-list line on, line ends included
+    bool Empty() const { return lines.empty() && tail.empty(); }
+    // An entry was deleted: lines before later entries move up with them.
+    void EntryErased(std::size_t index);
 };
 
 // Reads a catalogue applying the filter. A missing file reads nothing
 // (opened false). Comet reading stops at a line whose trimmed name is one
-// character long (the old end-of-list mark).
+// character long (the old end-of-list mark). `others`, when given,
+// receives the lines that are not entries (with the filter reading every
+// entry, so that entry indices are file positions).
 CatalogReadResult ReadAsteroidCatalog(const std::string& path, const AsteroidFilter& filter,
-                                      std::vector<AsteroidElements>& out);
-CatalogReadResult ReadCometCatalog(const std::string& path, const CometFilter& filter, std::vector<CometElements>& out);
+                                      std::vector<AsteroidElements>& out, CatalogOtherLines* others = nullptr);
+CatalogReadResult ReadCometCatalog(const std::string& path, const CometFilter& filter, std::vector<CometElements>& out,
+                                   CatalogOtherLines* others = nullptr);
 // The same from text already in memory.
 CatalogReadResult ParseAsteroidCatalog(std::string_view text, const AsteroidFilter& filter,
-                                       std::vector<AsteroidElements>& out);
-CatalogReadResult ParseCometCatalog(std::string_view text, const CometFilter& filter, std::vector<CometElements>& out);
+                                       std::vector<AsteroidElements>& out, CatalogOtherLines* others = nullptr);
+CatalogReadResult ParseCometCatalog(std::string_view text, const CometFilter& filter, std::vector<CometElements>& out,
+                                    CatalogOtherLines* others = nullptr);
 
 // Writes a whole catalogue atomically (temporary file, then rename), a
 // comment line first when `header` is not empty. The error text when it fails.
@@ -119,6 +161,11 @@ std::optional<std::string> WriteAsteroidCatalog(const std::string& path, const s
                                                 std::string_view header = {});
 std::optional<std::string> WriteCometCatalog(const std::string& path, const std::vector<CometElements>& list,
                                              std::string_view header = {});
+// The same with the file's other lines put back where they were.
+std::optional<std::string> WriteAsteroidCatalog(const std::string& path, const std::vector<AsteroidElements>& list,
+                                                const CatalogOtherLines& others);
+std::optional<std::string> WriteCometCatalog(const std::string& path, const std::vector<CometElements>& list,
+                                             const CatalogOtherLines& others);
 
 // ---------------------------------------------------------- MPC formats
 

@@ -64,13 +64,16 @@ bool ComputeMinorObject(const CMinorCatalogs& catalogs, MinorKind kind, std::siz
 bool CMinorObjectSource::Available() const
 {
     const CMinorCatalogs& c = m_catalogs->Get();
-    return m_kind == MinorKind::Asteroid ? !c.Asteroids().empty() : !c.Comets().empty();
+    return m_kind == MinorKind::Asteroid ? !c.LoadedAsteroids().empty() : !c.LoadedComets().empty();
 }
 
 std::vector<SkyObjectMatch> CMinorObjectSource::Resolve(std::string_view text, const CObserverDoc& observer) const
 {
     const CMinorCatalogs& c = m_catalogs->Get();
-    const std::vector<std::size_t> found = m_kind == MinorKind::Asteroid ? c.FindAsteroids(text) : c.FindComets(text);
+    // The find box knows what the catalogue loaded, as the charts do.
+    const std::vector<std::size_t> found = m_kind == MinorKind::Asteroid
+                                               ? c.FindAsteroids(text, CMinorCatalogs::Scope::Loaded)
+                                               : c.FindComets(text, CMinorCatalogs::Scope::Loaded);
     std::vector<SkyObjectMatch> matches;
     for (std::size_t index : found) {
         MinorObjectState state;
@@ -108,10 +111,12 @@ void CMinorObjectSource::CompletionNames(std::vector<std::string>& out) const
     const CMinorCatalogs& c = m_catalogs->Get();
     // Names only for lists of a size a completer can offer.
     if (m_kind == MinorKind::Asteroid) {
-        if (c.Asteroids().size() > 20000) return;
-        for (const AsteroidElements& a : c.Asteroids()) out.push_back(a.name);
+        if (c.LoadedAsteroids().size() > 20000) return;
+        for (std::uint32_t i : c.LoadedAsteroids())
+            if (i < c.Asteroids().size()) out.push_back(c.Asteroids()[i].name);
     } else {
-        for (const CometElements& cm : c.Comets()) out.push_back(cm.name);
+        for (std::uint32_t i : c.LoadedComets())
+            if (i < c.Comets().size()) out.push_back(c.Comets()[i].name);
     }
 }
 

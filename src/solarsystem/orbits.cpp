@@ -304,7 +304,10 @@ double CometMagnitudeGK(double g, double k, double r, double delta)
 std::int16_t MagnitudeCenti(double m)
 {
     if (!std::isfinite(m)) return 9999;
-    const double centi = std::trunc(m * 100.0 + 0.5);
+    // To the nearest hundredth, halves away from zero, the same on both sides
+    // of zero: adding 0.5 and truncating would store −2.00 as −1.99 and
+    // brighten every negative magnitude by up to 0.01.
+    const double centi = std::round(m * 100.0);
     return static_cast<std::int16_t>(std::clamp(centi, -32767.0, 32767.0));
 }
 

@@ -105,10 +105,9 @@ double AsteroidMagnitudeHG(double absoluteH, double slopeG, double sunDistanceAU
 // Planet Center's comet elements, 2.5·k being the familiar "10" of
 // m = g + 5 log Δ + 10 log r for k = 4).
 double CometMagnitudeGK(double absoluteG, double slopeK, double sunDistanceAU, double earthDistanceAU);
-// A magnitude in hundredths as the program has always stored it: the
-// integer part (toward zero) of m × 100 + 0.5, which rounds positive
-// magnitudes to the nearest hundredth and negative ones up by at most one
-// hundredth; 9999 when m is not finite.
+// A magnitude in hundredths (signed 16 bits): m × 100 to the nearest whole
+// number, halves away from zero, so that bright negative magnitudes round
+// as the positive ones do (−2.00 stays −200); 9999 when m is not finite.
 std::int16_t MagnitudeCenti(double magnitude);
 
 }  // namespace orv

@@ -8,8 +8,10 @@
 #include <QDialogButtonBox>
 #include <QPushButton>
 #include <QDoubleSpinBox>
+#include <QLabel>
 #include <QLineEdit>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -109,4 +111,30 @@ TEST(MinorWindows, SettingsDialogHandsBackTheFilters)
     EXPECT_EQ(dialog.asteroids.filterMode, 2);
     EXPECT_DOUBLE_EQ(dialog.asteroids.filterHMax, 9.5);
     EXPECT_EQ(dialog.comets.filterMode, 0);
+}
+
+// The catalogue window lists the whole file when a load filter leaves
+// entries out: those are greyed and counted, not hidden or dropped.
+TEST(MinorWindows, CatalogWindowListsTheWholeFileAndGreysWhatIsNotLoaded)
+{
+    MinorFixture f;
+    f.commands.ImportFile(QString::fromStdString(f.Data("MPCORB.excerpt.DAT")), false);
+    CMinorCatalogs& c = f.context.MinorCatalogs().Get();
+    AsteroidFilter upToTwo;
+    upToTwo.numberLimit = 2;
+    c.SetLoadFilters(upToTwo, AllComets());
+    CMinorCatalogDialog dialog(f.context, MinorKind::Asteroid);
+    ASSERT_EQ(dialog.Model()->rowCount(), 4);
+    EXPECT_FALSE(dialog.Model()->data(dialog.Model()->index(1, 2), Qt::ForegroundRole).isValid()) << "Pallas is loaded";
+    EXPECT_TRUE(dialog.Model()->data(dialog.Model()->index(3, 2), Qt::ForegroundRole).isValid()) << "Vesta is not";
+    EXPECT_TRUE(dialog.Model()->data(dialog.Model()->index(3, 2), Qt::ToolTipRole).toString().contains("load filter"));
+    const QLabel* count = dialog.findChild<QLabel*>(QString(), Qt::FindDirectChildrenOnly);
+    bool found = false;
+    for (const QLabel* l : dialog.findChildren<QLabel*>())
+        found |= l->text().contains("4 of 4 entries shown; 2 loaded by the load filter (mode 1: in file order up to number 2)");
+    EXPECT_TRUE(found) << (count ? count->text().toStdString() : std::string());
+    if (const char* shot = std::getenv("ORVANE_SCREENSHOT_DIR")) {
+        dialog.resize(900, 300);
+        dialog.grab().save(QString::fromUtf8(shot) + "/asteroid-catalog.png");
+    }
 }

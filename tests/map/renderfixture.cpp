@@ -143,6 +143,8 @@ CTestChartComponents::CTestChartComponents()
     auto minor = std::make_shared<CMinorCatalogHandle>();
     minor->Get().Asteroids().clear();
     minor->Get().Comets().clear();
+    minor->Get().MarkChanged(MinorKind::Asteroid);
+    minor->Get().MarkChanged(MinorKind::Comet);
     RegisterMinorBodies(components, minor);
     sat::RegisterPlottedPassLayer(components.layers);
     RegisterOverlaysAndHorizon(components.layers, overlays);

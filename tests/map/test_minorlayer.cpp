@@ -111,3 +111,71 @@ TEST(MinorLayer, TailLengthGrowsNearerTheSun)
     EXPECT_EQ(CometTailLengthAU(6.0, 5.0), 0.0);   // no tail far out
     EXPECT_EQ(CometTailLengthAU(1.0, 16.0), 0.0);  // nor for a faint comet
 }
+
+// A chart draws what its catalogue settings load: with mode 0 only the
+// comet marked "A" (and a comet whose orbit path is asked for, whatever
+// the filter); drawing makes them the catalogue's filters, so find agrees.
+TEST(MinorLayer, ChartsDrawTheLoadedSet)
+{
+    if (!SharedVsop87D().IsOpen()) GTEST_SKIP() << "no VSOP87 files in the data folder";
+    test::CSmallCatalogueChart chart(400, 300);
+    CMinorCatalogs* catalogs = Catalogs(chart);
+    ASSERT_NE(catalogs, nullptr);
+    catalogs->Comets().clear();
+    catalogs->Asteroids().clear();
+    ImportMpcComets(test::ReadFileBytes(test::TestDataDir() + "/minor/CometEls.txt"), AllComets(), catalogs->Comets());
+    ASSERT_EQ(catalogs->Comets().size(), 3u);
+    catalogs->Comets()[1].flag = 'A';  // NEOWISE
+    catalogs->MarkChanged(MinorKind::Comet);
+    chart.Doc().observer.SetJulianDate(2459050.5);
+    chart.Doc().comets.filterMode = 0;
+    chart.View().comets.visible = 1;
+    chart.Render();
+    EXPECT_EQ(catalogs->CometLoadFilter().mode, 0);
+    ASSERT_EQ(catalogs->LoadedComets(), std::vector<std::uint32_t>{1});
+    CPlanets planets;
+    std::vector<MinorChartEntry> entries = ComputeMinorChart(*catalogs, MinorKind::Comet, chart.Doc(), planets);
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries[0].index, 1u);
+    EXPECT_EQ(chart.Components().objects.Resolve("Halley", chart.Doc().observer).status, FindStatus::NotFound);
+
+    MinorPathRequest path;
+    path.kind = MinorKind::Comet;
+    path.index = 2;  // Halley
+    path.startJdTT = 2459040.5;
+    path.endJdTT = 2459060.5;
+    catalogs->SetOrbitPaths({path});
+    entries = ComputeMinorChart(*catalogs, MinorKind::Comet, chart.Doc(), planets);
+    ASSERT_EQ(entries.size(), 2u);
+    EXPECT_EQ(entries[0].index, 1u);
+    EXPECT_EQ(entries[1].index, 2u);
+
+    // Mode 1 at the map's date: NEOWISE within 730 days of 2020 July 20.
+    chart.Doc().comets.filterMode = 1;
+    catalogs->SetOrbitPaths({});
+    chart.Render();
+    EXPECT_EQ(catalogs->LoadedComets(), std::vector<std::uint32_t>{1});
+    chart.Doc().observer.SetJulianDate(2446470.5);  // 1986 February 9: Halley
+    chart.Render();
+    EXPECT_EQ(catalogs->LoadedComets(), std::vector<std::uint32_t>{2});
+}
+
+// Comets and asteroids have colours of their own in each scheme: apart from
+// the planets' on the dark sky, pure red in the night-vision scheme (which
+// must keep the observer's dark adaptation), ink on paper.
+TEST(MinorLayer, SchemesGiveCometsAndAsteroidsTheirOwnColours)
+{
+    const ChartPalette normal = MakePalette(ColourScheme::Normal, SurfaceKind::RasterDisplay, false);
+    EXPECT_NE(normal.cometHead, normal.planetLit);
+    EXPECT_NE(normal.asteroid, normal.planetLit);
+    EXPECT_NE(normal.cometHead, normal.asteroid);
+    EXPECT_NE(normal.minorLabel, normal.planetLabel);
+    const ChartPalette red = MakePalette(ColourScheme::RedNightVision, SurfaceKind::RasterDisplay, false);
+    for (const QColor& c : {red.cometHead, red.cometTail, red.asteroid, red.minorLabel}) {
+        EXPECT_EQ(c.green(), 0);
+        EXPECT_EQ(c.blue(), 0);
+    }
+    const ChartPalette paper = MakePalette(ColourScheme::Normal, SurfaceKind::Printer, true);
+    for (const QColor& c : {paper.cometHead, paper.asteroid, paper.minorLabel})
+        EXPECT_EQ(c.red(), c.green()) << "monochrome print: grey";
+}

@@ -233,10 +233,13 @@ TEST(MinorMagnitude, PhaseLawsAtOpposition)
     // r = Δ = 1 AU shines at −2.0.
     EXPECT_NEAR(CometMagnitudeGK(-2.0, 4.0, 1.0, 1.0), -2.0, 1e-12);
     EXPECT_NEAR(CometMagnitudeGK(-2.0, 4.0, 10.0, 1.0), 8.0, 1e-12);
+    // Stored in hundredths, rounded to the nearest the same way either side
+    // of zero: Hale-Bopp's −2.0 above stays −2.00.
     EXPECT_EQ(MagnitudeCenti(5.123), 512);
-    EXPECT_EQ(MagnitudeCenti(5.125), 513);
-    EXPECT_EQ(MagnitudeCenti(-1.004), -99);  // the integer part of −99.9
-    EXPECT_EQ(MagnitudeCenti(-2.0), -199);   // −199.5 → −199
+    EXPECT_EQ(MagnitudeCenti(5.126), 513);
+    EXPECT_EQ(MagnitudeCenti(-5.126), -513);
+    EXPECT_EQ(MagnitudeCenti(-1.004), -100);
+    EXPECT_EQ(MagnitudeCenti(CometMagnitudeGK(-2.0, 4.0, 1.0, 1.0)), -200);
     EXPECT_EQ(MagnitudeCenti(kNaN), 9999);
 }
 
