@@ -1,4 +1,5 @@
 #include "app/strings.h"
+#include "util/text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -124,13 +125,6 @@ constexpr Message kMessages[] = {
     {IDS_BITMAP_TOO_LARGE, "Unable to create a bitmap of the requested size"},
 };
 
-bool EqualNoCase(std::string_view a, std::string_view b)
-{
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-               return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
-           });
-}
-
 }  // namespace
 
 std::string_view LoadString(int id)
@@ -187,7 +181,7 @@ int FindConstellation(std::string_view text)
 {
     for (int i = 0; i < kConstellationCount; ++i) {
         const auto& c = kConstellations[static_cast<std::size_t>(i)];
-        if (EqualNoCase(text, c.abbreviation) || EqualNoCase(text, c.genitive) || EqualNoCase(text, c.name)) return i;
+        if (EqualIgnoringCase(text, c.abbreviation) || EqualIgnoringCase(text, c.genitive) || EqualIgnoringCase(text, c.name)) return i;
     }
     return -1;
 }

@@ -21,21 +21,16 @@
 #include "app/strings.h"
 #include "map/mapview.h"
 #include "util/atomicfile.h"
+#include "util/text.h"
 
 namespace orv {
 
 namespace {
 
-std::string Lower(std::string s)
-{
-    for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return s;
-}
-
 std::string ExtensionOf(const std::string& path)
 {
     const std::string ext = std::filesystem::path(path).extension().string();
-    return ext.size() > 1 ? Lower(ext.substr(1)) : std::string();
+    return ext.size() > 1 ? AsciiLower(ext.substr(1)) : std::string();
 }
 
 // FreeImage's own account of its last failure (it reports through a
@@ -84,7 +79,7 @@ std::vector<ExportFormat> BuildFormats()
         std::size_t start = 0;
         while (start <= list.size()) {
             const std::size_t comma = std::min(list.find(',', start), list.size());
-            if (comma > start) f.extensions.push_back(Lower(list.substr(start, comma - start)));
+            if (comma > start) f.extensions.push_back(AsciiLower(list.substr(start, comma - start)));
             start = comma + 1;
         }
         if (f.name.empty() || f.extensions.empty()) continue;

@@ -11,6 +11,7 @@
 
 #include "satellite/wgs72.h"
 #include "util/angles.h"
+#include "util/text.h"
 
 namespace orv::sat {
 
@@ -210,15 +211,10 @@ int CSatelliteList::Find(std::string_view nameOrNumber) const
     while (!nameOrNumber.empty() && IsBlank(nameOrNumber.front())) nameOrNumber.remove_prefix(1);
     nameOrNumber = TrimTrailingBlanks(nameOrNumber);
     if (nameOrNumber.empty()) return -1;
-    auto equalNoCase = [](std::string_view a, std::string_view b) {
-        return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-                   return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
-               });
-    };
     for (std::size_t i = 0; i < m_records.size(); ++i) {
         std::string_view n = m_records[i].name;
         while (!n.empty() && IsBlank(n.front())) n.remove_prefix(1);
-        if (equalNoCase(n, nameOrNumber)) return static_cast<int>(i);
+        if (EqualIgnoringCase(n, nameOrNumber)) return static_cast<int>(i);
     }
     const bool numeric = std::all_of(nameOrNumber.begin(), nameOrNumber.end(),
                                      [](char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; });
@@ -231,7 +227,7 @@ int CSatelliteList::Find(std::string_view nameOrNumber) const
     for (std::size_t i = 0; i < m_records.size(); ++i) {
         std::string_view n = m_records[i].name;
         while (!n.empty() && IsBlank(n.front())) n.remove_prefix(1);
-        if (n.size() > nameOrNumber.size() && equalNoCase(n.substr(0, nameOrNumber.size()), nameOrNumber))
+        if (n.size() > nameOrNumber.size() && EqualIgnoringCase(n.substr(0, nameOrNumber.size()), nameOrNumber))
             return static_cast<int>(i);
     }
     return -1;

@@ -2,31 +2,19 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 
 #include "util/datapath.h"
 #include "util/dataproblems.h"
+#include "util/text.h"
 
 namespace orv {
 
 namespace {
 
 constexpr double kRadToDeg = 57.29577951308232;
-
-std::string Lower(std::string_view s)
-{
-    std::string out(s);
-    for (char& c : out) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return out;
-}
-
-std::string_view Trim(std::string_view s)
-{
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
-    return s;
-}
 
 bool AllDigits(std::string_view s)
 {
@@ -266,31 +254,38 @@ std::optional<std::string> CMinorCatalogs::Save(MinorKind kind, const std::strin
 std::vector<std::size_t> CMinorCatalogs::FindAsteroids(std::string_view text, Scope scope) const
 {
     std::vector<std::size_t> found;
-    text = Trim(text);
+    text = TrimBlanks(text);
     if (text.empty()) return found;
     // "(1) Ceres", "(1)", "1": by number; the name after the number, when
     // given, must agree.
     std::string_view rest = text;
     std::optional<int> number;
+    // A number of more digits than any catalogue number (typed or pasted by
+    // mistake) finds nothing rather than overflowing.
+    auto numberOf = [](std::string_view digits) {
+        int value = -1;
+        if (digits.size() <= 9) std::from_chars(digits.data(), digits.data() + digits.size(), value);
+        return value;
+    };
     if (rest.front() == '(') {
         const std::size_t close = rest.find(')');
         if (close != std::string_view::npos && AllDigits(rest.substr(1, close - 1))) {
-            number = std::stoi(std::string(rest.substr(1, close - 1)));
-            rest = Trim(rest.substr(close + 1));
+            number = numberOf(rest.substr(1, close - 1));
+            rest = TrimBlanks(rest.substr(close + 1));
         }
     } else if (AllDigits(rest)) {
-        number = std::stoi(std::string(rest.substr(0, 9)));
+        number = numberOf(rest);
         rest = {};
     }
-    const std::string wanted = Lower(rest);
+    const std::string wanted = AsciiLower(rest);
     const std::size_t n = scope == Scope::Loaded ? m_loadedAsteroids.size() : m_asteroids.size();
     for (std::size_t k = 0; k < n; ++k) {
         const std::size_t i = scope == Scope::Loaded ? m_loadedAsteroids[k] : k;
         if (i >= m_asteroids.size()) break;  // the list was cut without MarkChanged
         const AsteroidElements& a = m_asteroids[i];
         if (number) {
-            if (a.number == *number && (wanted.empty() || Lower(a.name) == wanted)) found.push_back(i);
-        } else if (Lower(a.name) == wanted) {
+            if (a.number == *number && (wanted.empty() || AsciiLower(a.name) == wanted)) found.push_back(i);
+        } else if (AsciiLower(a.name) == wanted) {
             found.push_back(i);
         }
     }
@@ -300,13 +295,13 @@ std::vector<std::size_t> CMinorCatalogs::FindAsteroids(std::string_view text, Sc
 std::vector<std::size_t> CMinorCatalogs::FindComets(std::string_view text, Scope scope) const
 {
     std::vector<std::size_t> found;
-    const std::string wanted = Lower(Trim(text));
+    const std::string wanted = AsciiLower(TrimBlanks(text));
     if (wanted.empty()) return found;
     const std::size_t n = scope == Scope::Loaded ? m_loadedComets.size() : m_comets.size();
     for (std::size_t k = 0; k < n; ++k) {
         const std::size_t i = scope == Scope::Loaded ? m_loadedComets[k] : k;
         if (i >= m_comets.size()) break;
-        const std::string name = Lower(m_comets[i].name);
+        const std::string name = AsciiLower(m_comets[i].name);
         // The whole name; the designation before the discoverer in
         // parentheses ("c/2020 f3"); a periodic comet's number and letter or
         // its name after the slash ("12p", "halley").

@@ -11,18 +11,11 @@
 
 #include "observer/observer.h"
 #include "util/atomicfile.h"
+#include "util/text.h"
 
 namespace orv {
 
 namespace {
-
-std::string_view Trim(std::string_view s)
-{
-    while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r' || s.back() == '\n'))
-        s.remove_suffix(1);
-    return s;
-}
 
 std::string_view Columns(std::string_view line, std::size_t first, std::size_t last)
 {
@@ -32,7 +25,7 @@ std::string_view Columns(std::string_view line, std::size_t first, std::size_t l
 
 bool ReadDouble(std::string_view field, double& out)
 {
-    field = Trim(field);
+    field = TrimBlanks(field);
     if (field.empty()) return false;
     if (field.front() == '+') field.remove_prefix(1);
     const auto [ptr, ec] = std::from_chars(field.data(), field.data() + field.size(), out);
@@ -41,7 +34,7 @@ bool ReadDouble(std::string_view field, double& out)
 
 bool ReadInt(std::string_view field, int& out)
 {
-    field = Trim(field);
+    field = TrimBlanks(field);
     if (field.empty()) return false;
     const auto [ptr, ec] = std::from_chars(field.data(), field.data() + field.size(), out);
     return ec == std::errc() && ptr == field.data() + field.size();
@@ -49,7 +42,7 @@ bool ReadInt(std::string_view field, int& out)
 
 std::string Truncated(std::string_view name)
 {
-    name = Trim(name);
+    name = TrimBlanks(name);
     return std::string(name.substr(0, kMinorNameChars));
 }
 
@@ -153,7 +146,7 @@ bool ParseAsteroidLine(std::string_view line, AsteroidElements& out, std::string
     AsteroidElements a;
     a.flag = line[0];
     int number = 0;
-    if (!Trim(Columns(line, 1, 6)).empty() && !ReadInt(Columns(line, 1, 6), number)) {
+    if (!TrimBlanks(Columns(line, 1, 6)).empty() && !ReadInt(Columns(line, 1, 6), number)) {
         Say(why, "the number in columns 2–7 is not a whole number");
         return false;
     }
@@ -363,7 +356,7 @@ CatalogReadResult ParseAsteroidCatalog(std::string_view text, const AsteroidFilt
     result.opened = true;
     const std::size_t first = out.size();
     ForEachLine(text, [&](int number, std::string_view line, std::size_t) {
-        if (Trim(line).empty()) return true;
+        if (TrimBlanks(line).empty()) return true;
         if (line.front() == ';') {
             if (others) others->lines.push_back({out.size() - first, std::string(line)});
             return true;
@@ -395,14 +388,14 @@ CatalogReadResult ParseCometCatalog(std::string_view text, const CometFilter& fi
     result.opened = true;
     const std::size_t first = out.size();
     ForEachLine(text, [&](int number, std::string_view line, std::size_t) {
-        if (Trim(line).empty()) return true;
+        if (TrimBlanks(line).empty()) return true;
         if (line.front() == ';') {
             if (others) others->lines.push_back({out.size() - first, std::string(line)});
             return true;
         }
         // A one-character name ends the list (how the old files were closed);
         // what follows is not read, but kept for saving.
-        if (Trim(Columns(line, 0, 30)).size() == 1) {
+        if (TrimBlanks(Columns(line, 0, 30)).size() == 1) {
             if (others) {
                 const std::size_t start = static_cast<std::size_t>(line.data() - text.data());
                 others->tail = std::string(text.substr(start));
@@ -529,7 +522,7 @@ std::optional<PackedDate> UnpackEpoch(std::string_view p)
 
 std::optional<int> UnpackNumber(std::string_view p)
 {
-    p = Trim(p);
+    p = TrimBlanks(p);
     if (p.size() != 5) return std::nullopt;
     if (p[0] == '~') {
         // Numbers from 620,000: base 62 in the four characters after the tilde.
@@ -553,7 +546,7 @@ std::optional<int> UnpackNumber(std::string_view p)
 
 std::optional<std::string> UnpackProvisional(std::string_view p)
 {
-    p = Trim(p);
+    p = TrimBlanks(p);
     if (p.size() != 7) return std::nullopt;
     const std::optional<int> century = PackedCentury(p[0]);
     if (!century || !std::isdigit(static_cast<unsigned char>(p[1])) || !std::isdigit(static_cast<unsigned char>(p[2])))
@@ -591,7 +584,7 @@ bool ParseMpcorbLine(std::string_view line, AsteroidElements& out, std::string* 
     }
     AsteroidElements a;
     a.flag = ' ';
-    const std::string_view packed = Trim(Columns(line, 0, 6));
+    const std::string_view packed = TrimBlanks(Columns(line, 0, 6));
     const std::optional<PackedDate> epoch = UnpackEpoch(Columns(line, 20, 24));
     if (!epoch) {
         Say(why, "the packed epoch in columns 21–25 (\"" + std::string(Columns(line, 20, 24)) + "\") is not readable");
@@ -613,11 +606,11 @@ bool ParseMpcorbLine(std::string_view line, AsteroidElements& out, std::string* 
             return false;
         }
     double h = 0.0, g = 0.0;
-    if (!Trim(Columns(line, 8, 12)).empty() && !ReadDouble(Columns(line, 8, 12), h)) {
+    if (!TrimBlanks(Columns(line, 8, 12)).empty() && !ReadDouble(Columns(line, 8, 12), h)) {
         Say(why, "the absolute magnitude H in columns 9–13 is not a number");
         return false;
     }
-    if (!Trim(Columns(line, 14, 18)).empty() && !ReadDouble(Columns(line, 14, 18), g)) {
+    if (!TrimBlanks(Columns(line, 14, 18)).empty() && !ReadDouble(Columns(line, 14, 18), g)) {
         Say(why, "the slope parameter G in columns 15–19 is not a number");
         return false;
     }
@@ -628,7 +621,7 @@ bool ParseMpcorbLine(std::string_view line, AsteroidElements& out, std::string* 
     }
     // Number and name from the readable designation, "(1) Ceres" or
     // "2014 AA"; from the packed designation when the line stops short.
-    const std::string_view readable = Trim(Columns(line, 166, 193));
+    const std::string_view readable = TrimBlanks(Columns(line, 166, 193));
     if (!readable.empty() && readable.front() == '(') {
         const std::size_t close = readable.find(')');
         int number = 0;
@@ -703,11 +696,11 @@ bool ParseMpcCometLine(std::string_view line, CometElements& out, std::string* w
     const bool haveK = ReadDouble(Columns(line, 95, 99), k);
     c.absoluteG = haveG ? g : 99.0;  // no magnitude: never drawn
     c.slopeK = haveK ? k : 4.0;
-    std::string name(Trim(Columns(line, 102, 157)));
+    std::string name(TrimBlanks(Columns(line, 102, 157)));
     if (name.empty()) {
         // The designation from the packed columns: periodic number and type,
         // or type and provisional designation.
-        const std::string_view periodic = Trim(Columns(line, 0, 3));
+        const std::string_view periodic = TrimBlanks(Columns(line, 0, 3));
         const char type = line[4];
         if (!periodic.empty()) {
             int n = 0;
@@ -755,7 +748,7 @@ CatalogReadResult ImportLines(std::string_view text, bool skipToRule, const Prog
             result.cancelled = true;
             return false;
         }
-        if (Trim(line).empty()) return true;
+        if (TrimBlanks(line).empty()) return true;
         std::string why;
         bool stop = false;
         switch (parse(line, why, stop)) {
@@ -853,7 +846,7 @@ ElementFileKind DetectElementFile(std::string_view text)
     ElementFileKind kind = ElementFileKind::Unknown;
     int looked = 0;
     ForEachLine(text, [&](int, std::string_view line, std::size_t) {
-        if (Trim(line).empty() || line.front() == ';') return true;
+        if (TrimBlanks(line).empty() || line.front() == ';') return true;
         if (line.substr(0, 5) == "-----") {
             kind = ElementFileKind::Mpcorb;
             return false;

@@ -8,6 +8,7 @@
 #include "solarsystem/physephem.h"
 #include "solarsystem/planets.h"
 #include "util/angles.h"
+#include "util/text.h"
 
 namespace orv {
 
@@ -475,14 +476,6 @@ constexpr ChartSatelliteInfo kSatellites[kChartSatelliteCount] = {
     {"Titan", kBodySaturn, 5, -1.2},     {"Iapetus", kBodySaturn, 7, 1.6},
 };
 
-bool SameLetters(std::string_view a, std::string_view b)
-{
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i]))) return false;
-    return true;
-}
-
 }  // namespace
 
 const ChartSatelliteInfo& ChartSatellite(int satellite)
@@ -494,7 +487,7 @@ const ChartSatelliteInfo& ChartSatellite(int satellite)
 std::optional<int> ChartSatelliteFromName(std::string_view name)
 {
     for (int k = 0; k < kChartSatelliteCount; ++k)
-        if (SameLetters(name, kSatellites[k].name)) return k;
+        if (EqualIgnoringCase(name, kSatellites[k].name)) return k;
     return std::nullopt;
 }
 

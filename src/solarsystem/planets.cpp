@@ -12,6 +12,7 @@
 #include "solarsystem/earthoffset.h"
 #include "solarsystem/pluto.h"
 #include "util/settingsstore.h"
+#include "util/text.h"
 
 namespace orv {
 
@@ -105,11 +106,7 @@ std::int16_t Centi(double magnitude)
 std::optional<int> BodyFromName(std::string_view name)
 {
     for (int body = 0; body < kBodyCount; ++body) {
-        const std::string_view n = BodyName(body);
-        if (n.size() == name.size() && std::equal(n.begin(), n.end(), name.begin(), [](char a, char b) {
-                return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
-            }))
-            return body;
+        if (EqualIgnoringCase(BodyName(body), name)) return body;
     }
     return std::nullopt;
 }

@@ -1,4 +1,5 @@
 #include "util/datapath.h"
+#include "util/text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -32,13 +33,6 @@ std::vector<std::string> SplitComponents(std::string_view name)
     return parts;
 }
 
-bool EqualNoCase(std::string_view a, std::string_view b)
-{
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-               return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
-           });
-}
-
 // Finds `component` in `dir`: the exact name first, then any case variant.
 bool FindEntry(const fs::path& dir, const std::string& component, fs::path& found)
 {
@@ -49,7 +43,7 @@ bool FindEntry(const fs::path& dir, const std::string& component, fs::path& foun
         return true;
     }
     for (fs::directory_iterator it(dir, ec), end; !ec && it != end; it.increment(ec)) {
-        if (EqualNoCase(it->path().filename().string(), component)) {
+        if (EqualIgnoringCase(it->path().filename().string(), component)) {
             found = it->path();
             return true;
         }

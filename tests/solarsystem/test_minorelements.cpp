@@ -357,6 +357,10 @@ TEST(MinorCatalogFormats, AtomicWriteAndFind)
     EXPECT_EQ(again.FindAsteroids("1"), std::vector<std::size_t>{0});
     EXPECT_EQ(again.FindAsteroids("vesta"), std::vector<std::size_t>{3});
     EXPECT_TRUE(again.FindAsteroids("(2) Ceres").empty());
+    // Numbers longer than any catalogue number find nothing (they once
+    // overflowed the conversion and ended the program from the find box).
+    EXPECT_TRUE(again.FindAsteroids("(12345678901234) Ceres").empty());
+    EXPECT_TRUE(again.FindAsteroids("100000000001").empty());
     EXPECT_EQ(again.FindComets("C/2020 F3"), std::vector<std::size_t>{1});
     EXPECT_EQ(again.FindComets("c/2020 f3 (neowise)"), std::vector<std::size_t>{1});
     EXPECT_EQ(again.FindComets("NEOWISE"), std::vector<std::size_t>{1});

@@ -7,17 +7,11 @@
 
 #include "catalog/deepsky/deepskyformat.h"
 #include "util/datapath.h"
+#include "util/text.h"
 
 namespace orv {
 
 namespace {
-
-std::string_view TrimBlanks(std::string_view s)
-{
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
-    return s;
-}
 
 }  // namespace
 

@@ -7,6 +7,7 @@
 
 #include "app/strings.h"
 #include "catalog/stars/crossindex.h"
+#include "util/text.h"
 
 namespace orv {
 
@@ -17,23 +18,9 @@ constexpr std::array<std::string_view, 24> kGreek = {
     "nu",    "xi",   "omicron", "pi",    "rho",     "sigma", "tau", "upsilon", "phi", "chi", "psi",  "omega"};
 constexpr std::string_view kSymbolLetters = "abgdezhqiklmnxoprstufcyw";
 
-std::string Lower(std::string_view s)
-{
-    std::string out(s);
-    for (char& c : out) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return out;
-}
-
-std::string_view Trim(std::string_view s)
-{
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
-    return s;
-}
-
 bool ParseInt(std::string_view s, std::int64_t& v)
 {
-    s = Trim(s);
+    s = TrimBlanks(s);
     if (s.empty()) return false;
     const auto [p, ec] = std::from_chars(s.data(), s.data() + s.size(), v);
     return ec == std::errc() && p == s.data() + s.size();
@@ -102,9 +89,9 @@ std::string StarDesignation(const CTycho2Catalogue& catalogue, const StarRecord&
 
 std::optional<std::int64_t> ResolveStarDesignation(const CTycho2Catalogue& catalogue, std::string_view text)
 {
-    text = Trim(text);
+    text = TrimBlanks(text);
     if (text.empty()) return std::nullopt;
-    const std::string lower = Lower(text);
+    const std::string lower = AsciiLower(text);
 
     // Catalogue prefix and number.
     struct Prefix {
@@ -116,7 +103,7 @@ std::optional<std::int64_t> ResolveStarDesignation(const CTycho2Catalogue& catal
                                            {"bsc", CrossCatalogue::Bsc}, {"ppm", CrossCatalogue::Ppm}};
     const auto space = lower.find(' ');
     const std::string_view head = std::string_view(lower).substr(0, space);
-    const std::string_view tail = space == std::string::npos ? std::string_view() : Trim(std::string_view(lower).substr(space));
+    const std::string_view tail = space == std::string::npos ? std::string_view() : TrimBlanks(std::string_view(lower).substr(space));
     if (head == "tyc") {
         int parts[3] = {0, 0, 0};
         std::size_t n = 0, start = 0;
@@ -191,7 +178,7 @@ std::optional<std::int64_t> ResolveStarDesignation(const CTycho2Catalogue& catal
 
     // Proper name.
     for (std::size_t i = 0; i < catalogue.ProperNameCount(); ++i) {
-        if (Lower(catalogue.ProperNameAt(i)) == lower) {
+        if (AsciiLower(catalogue.ProperNameAt(i)) == lower) {
             const std::int64_t rec = catalogue.FindByTychoId(catalogue.ProperNameId(i));
             if (rec >= 0) return rec;
         }
