@@ -66,6 +66,7 @@ public:
             for (int i = 0; i < 3; ++i) prec[i][j] = e[i];
         }
         MatMulTransposeB(m_fromJ2000, prec, m_fromMapEpoch);
+        m_rows = ctx.frame.ProjectionRows();
         const double visible = ctx.coords.VisibleRadiusRad();
         m_marginRad = CCurveTracer::CapMarginRad(visible);
         m_capRad = std::min(visible + m_marginRad, 170.0 * kRadPerDeg);
@@ -196,11 +197,25 @@ private:
         v[2] = m_refrZ[i] + f * (m_refrZ[i + 1] - m_refrZ[i]);
     }
 
+    // Whether a frame vector lies in the cap, and where on the screen: the
+    // cap ends at least 10° short of the projection's pole, so every point
+    // in it projects.
+    void Project(Point& r) const
+    {
+        const double* v = r.v;
+        const double c = m_rows.centre[0] * v[0] + m_rows.centre[1] * v[1] + m_rows.centre[2] * v[2];
+        r.inCap = c > m_cosCap;
+        r.ok = r.inCap;
+        if (!r.ok) return;
+        const double k = 2.0 / (1.0 + c);
+        r.s.x = m_rows.x0 + k * (m_rows.x[0] * v[0] + m_rows.x[1] * v[1] + m_rows.x[2] * v[2]);
+        r.s.y = m_rows.y0 + k * (m_rows.y[0] * v[0] + m_rows.y[1] * v[1] + m_rows.y[2] * v[2]);
+    }
+
     Point Finish(Point r) const
     {
         Refract(r.v);
-        r.inCap = m_ctx.frame.CosFromCentre(r.v) > m_cosCap;
-        r.ok = r.inCap && m_ctx.frame.ToScreen(r.v, r.s);
+        Project(r);
         return r;
     }
 
@@ -282,8 +297,7 @@ private:
             return;
         }
         for (int i = 0; i < 3; ++i) m.v[i] = (a.v[i] + b.v[i]) / n;
-        m.inCap = m_ctx.frame.CosFromCentre(m.v) > m_cosCap;
-        m.ok = m.inCap && m_ctx.frame.ToScreen(m.v, m.s);
+        Project(m);
         Segment(a, m, depth + 1);
         Segment(m, b, depth + 1);
     }
@@ -331,6 +345,7 @@ private:
     DrawContext& m_ctx;
     double m_fromJ2000[3][3];
     double m_fromMapEpoch[3][3];
+    CChartFrame::ScreenRows m_rows{};
     double m_marginRad = 0.0, m_capRad = kPi, m_cosCap = -1.0, m_cosMargin = 1.0;
     double m_x0 = 0, m_y0 = 0, m_x1 = 0, m_y1 = 0;
     static constexpr int kRefractionSamples = 2048;

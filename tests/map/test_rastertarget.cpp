@@ -221,3 +221,30 @@ TEST(ThinLineStroker, TranslucentPenBlendsSourceOver)
     EXPECT_NEAR(qRed(px), 128, 1);
     EXPECT_NEAR(qBlue(px), 200 + (255 - 200) * 128 / 255, 1);
 }
+
+// A pen thinner than a pixel (an overlay's quarter-point lines on a screen
+// of 96 dpi are two thirds of a pixel) is taken here too, faded by its
+// width as QPainter fades it: the same ink as QPainter's line within a few
+// percent, solid and dashed.
+TEST(ThinLineStroker, SubPixelPensFadeLikeQPainters)
+{
+    for (const QList<qreal>& dashes : {QList<qreal>{}, QList<qreal>{4.0, 2.0}}) {
+        for (double width : {0.3, 0.667}) {
+            const ScreenPoint from{20.2, 30.6}, to{90.2, 30.6};
+            QImage ours = BlackImage(), qt = BlackImage();
+            ASSERT_TRUE(Stroke(ours, {from, to}, width, dashes));
+            QPainter p(&qt);
+            p.setRenderHint(QPainter::Antialiasing, true);
+            QPen pen(QColor(255, 255, 255), width);
+            pen.setCapStyle(Qt::FlatCap);
+            if (!dashes.isEmpty()) pen.setDashPattern(dashes);
+            p.setPen(pen);
+            p.drawLine(QPointF(from.x, from.y), QPointF(to.x, to.y));
+            p.end();
+            EXPECT_NEAR(TotalInk(ours) / TotalInk(qt), 1.0, 0.05) << width << " px, dashes " << dashes.size();
+            // Along the line: 70 px × width of ink (two thirds of it dashed).
+            const double expected = 70.0 * width * 255.0 * (dashes.isEmpty() ? 1.0 : 4.0 / 6.0);
+            EXPECT_NEAR(TotalInk(ours), expected, 0.06 * expected) << width;
+        }
+    }
+}
