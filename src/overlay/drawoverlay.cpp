@@ -1,7 +1,6 @@
 #include "overlay/drawoverlay.h"
 
 #include <QFontMetricsF>
-#include <QPainterPath>
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +8,6 @@
 
 #include "map/curvetrace.h"
 #include "map/drawcontext.h"
-#include "map/horizonprofile.h"
 #include "observer/observer.h"
 #include "util/angles.h"
 
@@ -412,34 +410,6 @@ private:
     int m_level = -1;
 };
 
-// The profile's altitude in degrees at an azimuth in degrees, never below 0
-// (the ground below the mathematical horizon is the grid's).
-double RaisedAltitudeDeg(const HorizonProfile& profile, double azDeg)
-{
-    return std::max(0.0, HorizonAltitudeRad(profile, azDeg * kRadPerDeg) * kDegPerRad);
-}
-
-class CHorizonLayer final : public IChartLayer {
-public:
-    std::span<const LayerSlot> Slots() const override { return kSlots; }
-    bool ShownAt(const CMapView& view, int) const override { return view.horizon.shown; }
-    void Draw(DrawContext& ctx, LayerSlot) override
-    {
-        if (!ctx.frame.IsHorizontal()) return;
-        const HorizonProfile& profile = ctx.doc.horizon.altitudeDeg;
-        const bool flat = std::all_of(profile.begin(), profile.end(), [](std::int8_t a) { return a == 0; });
-        // A flat profile is the mathematical horizon, which the horizon
-        // grid already draws (and fills below) when it is shown: stroking
-        // it a second time would only cost time.
-        if (flat && ctx.view.altAzGrid.state > 0) return;
-        if (ctx.view.altAzGrid.solidHorizon != 0) DrawHorizonGround(ctx);
-        DrawHorizonLine(ctx);
-    }
-
-private:
-    static constexpr LayerSlot kSlots[] = {LayerSlot::Horizon};
-};
-
 }  // namespace
 
 std::size_t DrawOverlay(DrawContext& ctx, const COverlay& overlay)
@@ -452,80 +422,9 @@ std::size_t DrawOverlay(DrawContext& ctx, const COverlay& overlay)
     return n;
 }
 
-void DrawHorizonGround(DrawContext& ctx)
-{
-    const HorizonProfile& profile = ctx.doc.horizon.altitudeDeg;
-    const double visible = ctx.coords.VisibleRadiusRad();
-    const double margin = CCurveTracer::CapMarginRad(visible);
-    const double cosCap = std::cos(std::min(visible + margin, 170.0 * kRadPerDeg));
-    // Cells small enough that none reaches across the cap's margin, from a
-    // quarter of a degree to two degrees on a side.
-    const double stepDeg = std::clamp(0.5 * margin * kDegPerRad, 0.25, 2.0);
-    const int perDegree = static_cast<int>(std::ceil(1.0 / stepDeg));
-    QPainterPath ground;
-    ground.setFillRule(Qt::WindingFill);
-    const double cosReach = std::cos(std::min(visible + margin + 92.0 * kRadPerDeg, kPi));
-    for (int k = 0; k < kHorizonFileBytes; ++k) {
-        const double top0 = std::max<double>(profile[k], 0.0), top1 = std::max<double>(profile[(k + 1) % 360], 0.0);
-        if (top0 <= 0.0 && top1 <= 0.0) continue;
-        double base[3];
-        ctx.frame.HorizontalToFrame(0.0, (k + 0.5) * kRadPerDeg, base);
-        if (ctx.frame.CosFromCentre(base) < cosReach) continue;
-        const int rows = std::max(1, static_cast<int>(std::ceil(std::max(top0, top1) / stepDeg)));
-        for (int i = 0; i < perDegree; ++i) {
-            const double az0 = k + static_cast<double>(i) / perDegree, az1 = k + static_cast<double>(i + 1) / perDegree;
-            const double h0 = RaisedAltitudeDeg(profile, az0), h1 = RaisedAltitudeDeg(profile, az1);
-            for (int j = 0; j < rows; ++j) {
-                const double t0 = static_cast<double>(j) / rows, t1 = static_cast<double>(j + 1) / rows;
-                const double corners[4][2] = {{az0, h0 * t0}, {az1, h1 * t0}, {az1, h1 * t1}, {az0, h0 * t1}};
-                QPolygonF cell;
-                bool all = true;
-                for (const auto& c : corners) {
-                    double v[3];
-                    ctx.frame.HorizontalToFrame(c[1] * kRadPerDeg, c[0] * kRadPerDeg, v);
-                    ScreenPoint s;
-                    if (!(ctx.frame.CosFromCentre(v) > cosCap) || !ctx.frame.ToScreen(v, s)) {
-                        all = false;
-                        break;
-                    }
-                    cell << QPointF(s.x, s.y);
-                }
-                if (all) {
-                    cell << cell.front();
-                    ground.addPolygon(cell);
-                }
-            }
-        }
-    }
-    if (ground.isEmpty()) return;
-    QPainter& p = ctx.painter;
-    p.setRenderHint(QPainter::Antialiasing, true);
-    p.setPen(Qt::NoPen);
-    p.setBrush(ctx.palette.ground);
-    p.drawPath(ground);
-}
-
-void DrawHorizonLine(DrawContext& ctx)
-{
-    const HorizonProfile& profile = ctx.doc.horizon.altitudeDeg;
-    const double visible = ctx.coords.VisibleRadiusRad();
-    const double cap = std::min(visible + CCurveTracer::CapMarginRad(visible), 170.0 * kRadPerDeg);
-    const CCurveTracer tracer(ctx.frame, ctx.Width(), ctx.Height(), cap, 0.3, ctx.LineWidth() + 2.0);
-    const int segments = std::max(360, static_cast<int>(std::ceil(kTwoPi / CCurveTracer::MaxStepRad(visible))));
-    const TracedCurve curve = tracer.Trace(
-        [&](double azRad, double v[3]) { ctx.frame.HorizontalToFrame(HorizonAltitudeRad(profile, azRad), azRad, v); },
-        0.0, kTwoPi, segments);
-    QPainter& p = ctx.painter;
-    p.setRenderHint(QPainter::Antialiasing, true);
-    p.setPen(QPen(ctx.palette.horizonLine, ctx.LineWidth(1.5)));
-    p.setBrush(Qt::NoBrush);
-    StrokePolylines(p, curve);
-}
-
 void RegisterOverlaysAndHorizon(CChartLayerRegistry& layers, std::shared_ptr<COverlayStore> store)
 {
     layers.Add<COverlayLayer>(store);
-    layers.Add<CHorizonLayer>();
 }
 
 }  // namespace orv
