@@ -274,6 +274,13 @@ bool CThinLineStroker::Stroke(const ScreenPoint* points, std::size_t count)
     double patternPosPx = 0.0;
     for (std::size_t k = 1; k < count; ++k) {
         ScreenPoint a = points[k - 1], b = points[k];
+        // Most segments of a chart lie wholly inside (and so are finite):
+        // clipping would leave them as they are.
+        if (m_patternCount == 0 && a.x >= x0 && a.x <= x1 && a.y >= y0 && a.y <= y1 && b.x >= x0 && b.x <= x1 &&
+            b.y >= y0 && b.y <= y1) {
+            SolidSegment(a.x, a.y, b.x, b.y);
+            continue;
+        }
         if (!std::isfinite(a.x) || !std::isfinite(a.y) || !std::isfinite(b.x) || !std::isfinite(b.y)) continue;
         const double before = patternPosPx;
         if (m_patternCount != 0) patternPosPx += std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y));
@@ -282,8 +289,8 @@ bool CThinLineStroker::Stroke(const ScreenPoint* points, std::size_t count)
         if (!ClipSegmentToRect(a, b, x0, y0, x1, y1, aClipped, bClipped)) continue;
         // Clipping ends far beyond 1e15 pixels loses their digits: such an
         // end may land anywhere, so what is not inside now is not drawn.
-        const auto inside = [&](const ScreenPoint& q) { return q.x >= x0 - 1.0 && q.x <= x1 + 1.0 && q.y >= y0 - 1.0 && q.y <= y1 + 1.0; };
-        if (!inside(a) || !inside(b)) continue;
+        const auto near = [&](const ScreenPoint& q) { return q.x >= x0 - 1.0 && q.x <= x1 + 1.0 && q.y >= y0 - 1.0 && q.y <= y1 + 1.0; };
+        if (!near(a) || !near(b)) continue;
         if (m_patternCount == 0) {
             SolidSegment(a.x, a.y, b.x, b.y);
             continue;

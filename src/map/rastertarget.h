@@ -75,6 +75,7 @@ public:
     // given disjoint bands of rows may stroke the same polylines at once,
     // and together they write exactly what one stroker without a band does.
     void SetRowBand(int firstRow, int endRow);
+    int ImageRows() const { return m_target.height; }
 
 private:
     static constexpr int kMaxPattern = 16;

@@ -243,7 +243,10 @@ private:
         if (a.ok && b.ok) {
             ScreenPoint sa = a.s, sb = b.s;
             bool aClipped = false, bClipped = false;
-            if (!ClipSegmentToRect(sa, sb, m_x0, m_y0, m_x1, m_y1, aClipped, bClipped)) {
+            // Clipping leaves a segment wholly inside as it is: only the others are clipped.
+            const bool inside = sa.x >= m_x0 && sa.x <= m_x1 && sa.y >= m_y0 && sa.y <= m_y1 && sb.x >= m_x0 &&
+                                sb.x <= m_x1 && sb.y >= m_y0 && sb.y <= m_y1;
+            if (!inside && !ClipSegmentToRect(sa, sb, m_x0, m_y0, m_x1, m_y1, aClipped, bClipped)) {
                 PenUp();
                 return;
             }

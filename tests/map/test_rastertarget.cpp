@@ -248,3 +248,38 @@ TEST(ThinLineStroker, SubPixelPensFadeLikeQPainters)
         }
     }
 }
+
+// Strokers given the two halves of the image's rows write together exactly
+// what one stroker writes (the chart's long curves are stroked so, on two
+// cores): a dense spiral of 40,000 points crossing the band edge at every
+// slope, and a polyline running off the image, solid and dashed.
+TEST(ThinLineStroker, TwoBandsOfRowsWriteWhatOneStrokerWrites)
+{
+    std::vector<ScreenPoint> spiral;
+    for (int i = 0; i < 40000; ++i) {
+        const double t = i * 0.01, r = 5.0 + 0.0035 * i;
+        spiral.push_back({160.3 + r * std::cos(t), 120.7 + 0.8 * r * std::sin(t)});
+    }
+    const std::vector<ScreenPoint> across{{-50.0, 119.5}, {400.0, 121.2}, {170.0, -30.0}, {171.0, 500.0}};
+    for (const QList<qreal>& dashes : {QList<qreal>{}, QList<qreal>{3.0, 2.0}}) {
+        QImage whole(320, 240, QImage::Format_RGB32), banded(320, 240, QImage::Format_RGB32);
+        whole.fill(QColor(10, 20, 30));
+        banded.fill(QColor(10, 20, 30));
+        const auto stroke = [&](QImage& image, int firstRow, int endRow) {
+            QPainter p(&image);
+            p.setRenderHint(QPainter::Antialiasing, true);
+            QPen pen(QColor(250, 200, 90, 200), 1.3);
+            if (!dashes.isEmpty()) pen.setDashPattern(dashes);
+            p.setPen(pen);
+            CThinLineStroker s(p);
+            ASSERT_TRUE(s.Usable());
+            s.SetRowBand(firstRow, endRow);
+            s.Stroke(spiral.data(), spiral.size());
+            s.Stroke(across.data(), across.size());
+        };
+        stroke(whole, 0, 240);
+        stroke(banded, 0, 117);
+        stroke(banded, 117, 240);
+        EXPECT_EQ(whole, banded) << dashes.size();
+    }
+}
