@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include "map/curvetrace.h"
@@ -87,6 +89,7 @@ public:
         QFont font = m_ctx.fonts.label;
         QColor textColour = SurfaceColour(m_ctx, OverlayFont{}.first, OverlayFont{}.second);
         int align = kOverlayAlignCentre;
+        ProjectBeforehand(o);
         Point prev;
         bool havePrev = false;
         std::size_t nextBlock = 0;
@@ -99,7 +102,7 @@ public:
                 const OverlayBlock& b = o.blocks[nextBlock++];
                 if (OutOfView(b)) {
                     PenUp();
-                    prev = Transform(o, o.commands[b.endCommand - 1]);
+                    prev = TransformAt(o, b.endCommand - 1);
                     havePrev = true;
                     ci = b.endCommand - 1;
                     continue;
@@ -123,18 +126,18 @@ public:
             case OverlayOp::TextAlign: align = static_cast<int>(c.index); break;
             case OverlayOp::Move:
                 PenUp();  // a new polyline, stroked with the others of this line style
-                prev = Transform(o, c);
+                prev = TransformAt(o, ci);
                 havePrev = true;
                 break;
             case OverlayOp::Draw: {
-                const Point cur = Transform(o, c);
+                const Point cur = TransformAt(o, ci);
                 if (havePrev) Segment(prev, cur, 0);
                 prev = cur;
                 havePrev = true;
                 break;
             }
             case OverlayOp::Text: {
-                const Point at = Transform(o, c);
+                const Point at = TransformAt(o, ci);
                 if (at.ok && c.text < o.texts.size()) {
                     Flush();
                     DrawText(at.s, QString::fromStdString(o.texts[c.text]), font, textColour, align);
@@ -153,7 +156,13 @@ private:
         bool inCap = false;
         bool ok = false;  // in the cap and projected
         ScreenPoint s;
+        // A point taken from the projections made beforehand carries no
+        // vector: it is made from the display list when a segment needs it.
+        const double* q = nullptr;
+        const double (*m)[3] = nullptr;
     };
+
+
 
     // Refraction by the chart's rule as a table in the sine of the altitude,
     // so that a large display list is lifted without a trigonometric call
@@ -238,6 +247,76 @@ private:
         return Finish(r);
     }
 
+    // The point of command `ci`: from the projections made beforehand when
+    // there are some, else made now (the same arithmetic either way).
+    Point TransformAt(const COverlay& o, std::size_t ci) const
+    {
+        const OverlayCommand& c = o.commands[ci];
+        if (ci < m_projectedCount && (*m_states)[ci] != 0) {
+            Point r;
+            r.s = (*m_screens)[ci];
+            r.ok = r.inCap = (*m_states)[ci] == 1;
+            r.q = &o.points[3 * static_cast<std::size_t>(c.index)];
+            r.m = c.frame == OverlayFrame::J2000 ? m_fromJ2000 : m_fromMapEpoch;
+            return r;
+        }
+        return Transform(o, c);
+    }
+
+    // The vector of a point taken from the projections.
+    void EnsureVector(Point& r) const
+    {
+        if (r.q == nullptr) return;
+        for (int i = 0; i < 3; ++i) r.v[i] = r.m[i][0] * r.q[0] + r.m[i][1] * r.q[1] + r.m[i][2] * r.q[2];
+        Refract(r.v);
+        r.q = nullptr;
+    }
+
+    // A display list of many commands on a chart image is brought to the
+    // chart on two cores before it is walked: each thread projects the
+    // points of half the culling blocks (of a block beyond the field only
+    // its last point, as the walk takes it). Commands outside the blocks
+    // are projected by the walk itself.
+    void ProjectBeforehand(const COverlay& o)
+    {
+        constexpr std::size_t kCommandsForTwoCores = 100000;
+        if (m_mergePx <= 0.0 || o.commands.size() < kCommandsForTwoCores || o.blocks.size() < 2 ||
+            std::thread::hardware_concurrency() < 2)
+            return;
+        // Kept from one draw to the next (a million points are 16 MB); the
+        // states say which entries this draw has made.
+        static thread_local std::vector<ScreenPoint> screens;
+        static thread_local std::vector<std::uint8_t> states;
+        if (screens.size() < o.commands.size()) screens.resize(o.commands.size());
+        states.assign(o.commands.size(), 0);
+        m_screens = &screens;
+        m_states = &states;
+        const auto run = [&](std::size_t firstBlock, std::size_t endBlock) {
+            for (std::size_t bi = firstBlock; bi < endBlock; ++bi) {
+                const OverlayBlock& b = o.blocks[bi];
+                const std::size_t from = OutOfView(b) ? b.endCommand - 1 : b.firstCommand;
+                for (std::size_t ci = from; ci < b.endCommand && ci < o.commands.size(); ++ci) {
+                    const OverlayCommand& c = o.commands[ci];
+                    if (c.op != OverlayOp::Move && c.op != OverlayOp::Draw && c.op != OverlayOp::Text) continue;
+                    const Point r = Transform(o, c);
+                    // Through the members: in the helper thread the names
+                    // of the thread-local buffers would be its own.
+                    (*m_screens)[ci] = r.s;
+                    (*m_states)[ci] = r.ok ? 1 : 2;
+                }
+            }
+        };
+        const std::size_t half = o.blocks.size() / 2;
+        try {
+            std::thread helper(run, half, o.blocks.size());
+            run(0, half);
+            helper.join();
+        } catch (const std::system_error&) {
+            // No second thread to be had: the walk projects what is left.
+        }
+        m_projectedCount = o.commands.size();
+    }
+
     void Segment(const Point& a, const Point& b, int depth)
     {
         if (a.ok && b.ok) {
@@ -269,6 +348,13 @@ private:
             m_holding = false;
             m_curve.polylines.back().push_back(sb);
             if (bClipped) PenUp();
+            return;
+        }
+        if (a.q != nullptr || b.q != nullptr) {
+            Point va = a, vb = b;
+            EnsureVector(va);
+            EnsureVector(vb);
+            Segment(va, vb, depth);
             return;
         }
         // An end outside the cap: a short segment lies wholly outside the
@@ -358,6 +444,11 @@ private:
     // whose resolution is not the chart's pixels).
     double m_mergePx = 0.0;
     double m_refractionMarginRad = 0.0;
+    // The points made beforehand, by command: screen places and states (0
+    // not made, 1 in the cap and projected, 2 beyond the cap).
+    std::vector<ScreenPoint>* m_screens = nullptr;
+    std::vector<std::uint8_t>* m_states = nullptr;
+    std::size_t m_projectedCount = 0;
     ScreenPoint m_heldPoint;
     bool m_holding = false;
     std::size_t m_segments = 0;

@@ -405,4 +405,35 @@ TEST(OverlayLayer, CullingBlocksLoseNothing)
     }
 }
 
+// A display list of 100,000 commands or more is projected on two cores
+// before it is walked: the drawing is the same, pixel for pixel and segment
+// for segment, as the walk that projects every point itself (the list
+// without culling blocks), on an equatorial chart and a refracted
+// alt-azimuth one, with a line crossing the edge of the cap.
+TEST(OverlayLayer, PointsProjectedOnTwoCoresDrawTheSame)
+{
+    std::string text = "epoch J2000.0\ndefine line l solid, 2, red, red\nselect line l\n";
+    char buf[96];
+    for (int c = 0; c < 260; ++c) {
+        const double dec = -86.0 + 172.0 * c / 259.0;
+        for (int i = 0; i <= 400; ++i) {
+            std::snprintf(buf, sizeof buf, "%s %.6f, %.5f\n", i == 0 ? "move" : "draw", 24.0 * (i % 400) / 400.0, dec);
+            text += buf;
+        }
+    }
+    text += "move 3, -89\ndraw 3, 89\ntext 5.5, 0, centre\n";
+    auto projected = std::make_shared<COverlay>(ParseOverlayText(text, "dense.ovl"));
+    ASSERT_GE(projected->commands.size(), 100000u);
+    auto walked = std::make_shared<COverlay>(*projected);
+    walked->blocks.clear();
+    for (const auto& [level, altAz] : {std::pair{4, false}, std::pair{1, true}}) {
+        std::size_t projectedSegments = 0, walkedSegments = 0;
+        const QImage a = DrawAlone(projected, level, altAz, projectedSegments);
+        const QImage b = DrawAlone(walked, level, altAz, walkedSegments);
+        EXPECT_GT(walkedSegments, 100u) << "level " << level;
+        EXPECT_EQ(walkedSegments, projectedSegments) << "level " << level;
+        EXPECT_TRUE(a == b) << "level " << level << ": the drawing differs";
+    }
+}
+
 }  // namespace
