@@ -640,16 +640,36 @@ void CMainFrame::HorizonEditor()
     CMapWindow* w = ActiveMap();
     const HorizonProfile start = w ? w->Doc().horizon.altitudeDeg : HorizonProfile{};
     const QString file = w ? QString::fromStdString(w->Doc().horizon.fileName) : QString();
-    // Every change shows at once on the map that was active when the editor opened.
-    QPointer<CMapWindow> target(w);
+    // Every change shows at once on every open map that shows the horizon
+    // being edited: the active map and those with the same file (or, when
+    // it has none, the same unsaved profile). The flag for rising, setting
+    // and "above the horizon" is the program's, so every open map takes it.
+    QList<QPointer<CMapWindow>> sharing, all;
+    for (CMapWindow* m : Maps()) {
+        all.append(m);
+        if (w == nullptr) continue;
+        const CHorizonData& h = m->Doc().horizon;
+        const CHorizonData& edited = w->Doc().horizon;
+        const bool same = h.fileName.empty() && edited.fileName.empty() ? h.altitudeDeg == edited.altitudeDeg
+                                                                         : h.fileName == edited.fileName;
+        if (m == w || same) sharing.append(m);
+    }
     CHorizonEditorDialog dialog(
         m_app, start, file,
-        [target, &settings = m_app.Settings()](const HorizonProfile& profile, const QString& fileName) {
-            if (!target) return;
-            target->Doc().horizon.altitudeDeg = profile;
-            target->Doc().horizon.fileName = fileName.toStdString();
-            target->Doc().horizon.useForEvents = settings.GetInt("Horizon", "UseForEvents", 0);
-            target->MapChanged();
+        [sharing, all, &settings = m_app.Settings()](const HorizonProfile& profile, const QString& fileName) {
+            const int useForEvents = settings.GetInt("Horizon", "UseForEvents", 0);
+            for (const QPointer<CMapWindow>& m : all) {
+                if (!m) continue;
+                CHorizonData& h = m->Doc().horizon;
+                bool changed = h.useForEvents != useForEvents;
+                h.useForEvents = useForEvents;
+                if (sharing.contains(m)) {
+                    changed = changed || h.altitudeDeg != profile || h.fileName != fileName.toStdString();
+                    h.altitudeDeg = profile;
+                    h.fileName = fileName.toStdString();
+                }
+                if (changed) m->MapChanged();
+            }
         },
         this);
     dialog.exec();

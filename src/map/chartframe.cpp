@@ -134,6 +134,24 @@ bool CChartFrame::ToScreen(const double v[3], ScreenPoint& s) const
     return true;
 }
 
+CChartFrame::ScreenRows CChartFrame::ProjectionRows() const
+{
+    // The screen mapping is affine in the plane point: its origin and the
+    // images of the plane's two unit steps.
+    const ScreenPoint o = m_coordinates->PlaneToScreen(PlanePoint{0.0, 0.0});
+    const ScreenPoint ex = m_coordinates->PlaneToScreen(PlanePoint{1.0, 0.0});
+    const ScreenPoint ey = m_coordinates->PlaneToScreen(PlanePoint{0.0, 1.0});
+    ScreenRows r{};
+    for (int i = 0; i < 3; ++i) {
+        r.centre[i] = m_centre[i];
+        r.x[i] = (ex.x - o.x) * m_east[i] + (ey.x - o.x) * m_south[i];
+        r.y[i] = (ex.y - o.y) * m_east[i] + (ey.y - o.y) * m_south[i];
+    }
+    r.x0 = o.x;
+    r.y0 = o.y;
+    return r;
+}
+
 bool CChartFrame::CatalogueToScreen(double raJ2000Rad, double decJ2000Rad, EpochPath path, ScreenPoint& s) const
 {
     double v[3];

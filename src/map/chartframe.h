@@ -65,6 +65,15 @@ public:
     bool ToPlane(const double v[3], PlanePoint& p) const;
     bool ToScreen(const double v[3], ScreenPoint& s) const;
     bool CatalogueToScreen(double raJ2000Rad, double decJ2000Rad, EpochPath path, ScreenPoint& s) const;
+    // ToScreen() as three rows, for loops over many points without a call
+    // per point: a frame vector v lies at (x0 + k (x·v), y0 + k (y·v)) with
+    // k = 2 / (1 + centre·v), the stereographic projection followed by the
+    // screen's rotation, flips and scales.
+    struct ScreenRows {
+        double centre[3], x[3], y[3];
+        double x0, y0;
+    };
+    ScreenRows ProjectionRows() const;
 
     // --- Screen → sky ------------------------------------------------------------
     void ScreenToFrame(double xPx, double yPx, double& lonRad, double& latRad) const;

@@ -16,10 +16,12 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <thread>
 
 #include "map/curvetrace.h"
 #include "map/rastertarget.h"
 #include "map/drawcontext.h"
+#include "map/drawground.h"
 #include "map/horizonprofile.h"
 #include "observer/observer.h"
 #include "util/angles.h"
@@ -216,6 +218,25 @@ void StrokePolylines(QPainter& p, const TracedCurve& c)
     // the same for every polyline of the curve); anything else to QPainter.
     CThinLineStroker direct(p);
     if (direct.Usable()) {
+        // A long curve (a dense overlay: a million points) is stroked on two
+        // cores, each writing its own half of the image's rows. Every pixel
+        // is written by one of them, in the same order and with the same
+        // arithmetic as by one stroker alone, so the picture is the same.
+        std::size_t points = 0;
+        for (const auto& line : c.polylines) points += line.size();
+        constexpr std::size_t kPointsForTwoCores = 20000;
+        if (points >= kPointsForTwoCores && direct.ImageRows() >= 64 && std::thread::hardware_concurrency() >= 2) {
+            CThinLineStroker lower = direct;
+            const int mid = direct.ImageRows() / 2;
+            direct.SetRowBand(0, mid);
+            lower.SetRowBand(mid, direct.ImageRows());
+            std::thread helper([&c, &lower] {
+                for (const auto& line : c.polylines) lower.Stroke(line.data(), line.size());
+            });
+            for (const auto& line : c.polylines) direct.Stroke(line.data(), line.size());
+            helper.join();
+            return;
+        }
         for (const auto& line : c.polylines) direct.Stroke(line.data(), line.size());
         return;
     }
@@ -355,9 +376,14 @@ void StrokeGrid(DrawContext& ctx, GridKind kind, const GridLines& grid, int stat
     fundamental.setWidthF(ctx.LineWidth(kind == GridKind::RaDec ? 1.5 : 2.0));
     p.setBrush(Qt::NoBrush);
     p.setRenderHint(QPainter::Antialiasing, true);
+    // The horizon grid's 0° is left to the horizon line when that line is
+    // the mathematical horizon itself (a flat profile): one line, one owner.
+    const CGroundCover* ground = ctx.scene.Ground();
+    const bool horizonDrawnOver = kind == GridKind::AltAz && ground != nullptr && ground->LineIsMathematicalHorizon();
     for (const GridLines::Line& line : grid.lines) {
         if ((which == GridStroke::Regular && line.fundamental) || (which == GridStroke::Fundamental && !line.fundamental))
             continue;
+        if (line.fundamental && horizonDrawnOver) continue;
         p.setPen(line.fundamental ? fundamental : pen);
         StrokePolylines(p, line.curve);
     }
@@ -413,65 +439,14 @@ void LabelGrid(DrawContext& ctx, const GridLines& grid)
 
 enum class GridPass { LinesOnly, LinesAndLabels };
 
-// Where the ground below the horizon is filled, the sky's grids stop at the
-// horizon, as they would under a ground laid over them: the parts of their
-// lines below it are cut away (and not stroked, which on a wide horizon
-// chart is nearly half of their pixels), and labels at border crossings
-// below it are dropped. The horizon is the mathematical one the ground fill
-// uses, Side() = 0, which along a straight screen segment is a quadratic in
-// the segment's parameter; the crossing is found by bisection.
-void CutAtGround(const DrawContext& ctx, GridLines& grid)
-{
-    const CGroundTest ground(ctx.frame);
-    const CCoordinates& co = ctx.coords;
-    const auto side = [&](const ScreenPoint& q) { return ground.Side(co.ScreenToPlane(q.x, q.y)); };
-    for (GridLines::Line& line : grid.lines) {
-        std::vector<std::vector<ScreenPoint>> kept;
-        for (const std::vector<ScreenPoint>& poly : line.curve.polylines) {
-            std::vector<ScreenPoint> run;
-            double sPrev = 0.0;
-            for (std::size_t i = 0; i < poly.size(); ++i) {
-                const double sNow = side(poly[i]);
-                if (i > 0 && (sPrev >= 0.0) != (sNow >= 0.0)) {
-                    // The crossing between poly[i-1] and poly[i].
-                    double lo = 0.0, hi = 1.0;
-                    const ScreenPoint a = poly[i - 1], b = poly[i];
-                    for (int k = 0; k < 30; ++k) {
-                        const double mid = 0.5 * (lo + hi);
-                        const double sMid = side({a.x + mid * (b.x - a.x), a.y + mid * (b.y - a.y)});
-                        if ((sMid >= 0.0) == (sPrev >= 0.0))
-                            lo = mid;
-                        else
-                            hi = mid;
-                    }
-                    const double t = 0.5 * (lo + hi);
-                    const ScreenPoint cross{a.x + t * (b.x - a.x), a.y + t * (b.y - a.y)};
-                    if (sPrev >= 0.0) {
-                        run.push_back(cross);  // going under: the run ends here
-                        if (run.size() > 1) kept.push_back(std::move(run));
-                        run.clear();
-                    } else {
-                        run.push_back(cross);  // coming up: a run starts here
-                    }
-                }
-                if (sNow >= 0.0) run.push_back(poly[i]);
-                sPrev = sNow;
-            }
-            if (run.size() > 1) kept.push_back(std::move(run));
-        }
-        line.curve.polylines = std::move(kept);
-        std::erase_if(line.curve.crossings, [&](const BorderCrossing& c) { return side(c.point) < 0.0; });
-    }
-}
-
 void DrawGrid(DrawContext& ctx, GridKind kind, const CGridData& data, int state, GridPass pass)
 {
     if (state <= 0) return;
     GridLines lines = TraceGrid(ctx, kind, data);
-    // The horizon grid's own lines below the horizon stay (its negative
-    // altitudes are worth reading on the ground); the ground is filled in
-    // its first pass whenever the solid horizon is on at this level.
-    if (kind != GridKind::AltAz && ctx.view.altAzGrid.solidHorizon != 0) CutAtGround(ctx, lines);
+    // The sky's grids stop where the ground hides them (the horizon grid's
+    // lines are laid over the ground instead: DrawAltAzGridFirstPass).
+    if (const CGroundCover* ground = ctx.scene.Ground())
+        for (GridLines::Line& line : lines.lines) ground->Cut(line.curve);
     StrokeGrid(ctx, kind, lines, state);
     if (pass == GridPass::LinesAndLabels && data.labelVisible != 0) LabelGrid(ctx, lines);
 }
@@ -485,63 +460,6 @@ const CGridData& GridDataOf(const CMapDoc& doc, GridKind kind)
     case GridKind::Galactic: return doc.galacticGrid;
     }
     return doc.raDecGrid;
-}
-
-// The ground below the horizon, filled in the ground colour.
-void FillGround(DrawContext& ctx)
-{
-    const CGroundTest ground(ctx.frame);
-    const double cn = ground.ZenithDotCentre(), en = ground.ZenithDotEast(), sn = ground.ZenithDotSouth();
-    const CCoordinates& co = ctx.coords;
-
-    // Plane → screen as an affine map (rotation, flips, scales).
-    const double s = std::sin(co.RotationRad()), c = std::cos(co.RotationRad());
-    const double fx = co.FlipHorizontal(), fy = co.FlipVertical();
-    const QTransform toScreen(-c * fx * co.ScaleX(), s * fy * co.ScaleY(), s * fx * co.ScaleX(), c * fy * co.ScaleY(),
-                              co.ScreenCentreX(), co.ScreenCentreY());
-
-    // The horizon's image: Side(p) = 0 is the circle |p − C| = 2/|cn| with
-    // C = 2(en, sn)/cn. When that circle is too large to rasterise safely it
-    // is replaced by its tangent line nearest the screen centre.
-    QPainterPath groundPath;
-    const double scale = std::max(co.ScaleX(), co.ScaleY());
-    const PlanePoint corner = co.ScreenToPlane(0.0, 0.0);
-    const double extent = 4.0 * (std::hypot(corner.x, corner.y) + 1.0);
-    const double radius = std::fabs(cn) > 1e-12 ? 2.0 / std::fabs(cn) : HUGE_VAL;
-    if (radius * scale < 2.0e6) {
-        const QPointF centre(2.0 * en / cn, 2.0 * sn / cn);
-        QPainterPath circle;
-        circle.addEllipse(centre, radius, radius);
-        if (cn < 0.0) {
-            groundPath = circle;  // the centre of the chart is below the horizon: ground inside
-        } else {
-            QPainterPath all;
-            all.addRect(QRectF(-extent, -extent, 2 * extent, 2 * extent));
-            all.addPath(circle);
-            all.setFillRule(Qt::OddEvenFill);
-            groundPath = all;
-        }
-    } else {
-        // Nearly a straight line through the screen: x·en + y·sn + cn = 0
-        // to first order; ground where it is negative.
-        const double nlen = std::hypot(en, sn);
-        if (!(nlen > 0.0)) return;
-        const double nx = en / nlen, ny = sn / nlen;  // towards the sky
-        const double d = -cn / nlen;                  // the line: n·p = d
-        const QPointF foot(nx * d, ny * d);
-        const QPointF along(-ny * extent, nx * extent), down(-nx * 2 * extent, -ny * 2 * extent);
-        QPolygonF poly;
-        poly << foot + along << foot - along << foot - along + down << foot + along + down;
-        groundPath.addPolygon(poly);
-        groundPath.closeSubpath();
-    }
-    QPainter& p = ctx.painter;
-    p.save();
-    p.setClipRect(QRectF(0, 0, ctx.Width(), ctx.Height()), Qt::IntersectClip);
-    p.setPen(Qt::NoPen);
-    p.setBrush(ctx.palette.ground);
-    p.drawPath(toScreen.map(groundPath));
-    p.restore();
 }
 
 }  // namespace
@@ -580,7 +498,9 @@ bool CGroundTest::BelowHorizon(double xPx, double yPx) const
 void DrawAltAzGridFirstPass(DrawContext& ctx, std::shared_ptr<GridLines>& traced)
 {
     traced.reset();
-    if (ctx.view.altAzGrid.solidHorizon != 0) FillGround(ctx);
+    // The ground below the horizon goes under the horizon grid's lines, so
+    // that their negative altitudes stay readable on it.
+    if (const CGroundCover* ground = ctx.scene.Ground()) ground->LayBelowMathematicalHorizon(ctx);
     const int state = ctx.view.altAzGrid.state;
     if (state <= 0) return;
     traced = std::make_shared<GridLines>(TraceGrid(ctx, GridKind::AltAz, ctx.doc.altAzGrid));

@@ -4,6 +4,7 @@
 // them on its charts.
 #include "map/chartlayer.h"
 #include "map/drawcontext.h"
+#include "map/drawground.h"
 #include "map/mapview.h"
 
 namespace orv {
@@ -71,6 +72,7 @@ void RegisterMapLayers(CChartLayerRegistry& layers)
     layers.Add<CEquatorialGridLayer>();
     layers.Add<CEclipticGridLayer>();
     layers.Add<CGalacticGridLayer>();
+    RegisterGroundLayer(layers);
     layers.Add<CSearchTargetLayer>();
     layers.Add<CScaleLineLayer>();
     layers.Add<CCompassLayer>();

@@ -74,11 +74,15 @@ CThinLineStroker::CThinLineStroker(QPainter& p)
     if (!p.testRenderHint(QPainter::Antialiasing) || p.opacity() != 1.0) return;
     const QPen& pen = p.pen();
     if (pen.brush().style() != Qt::SolidPattern) return;
-    // Pens from one pixel (the cosmetic zero width is one pixel too) to a
-    // few; thinner pens fade in QPainter, and wide ones need proper joins.
+    // Pens from a tenth of a pixel (the cosmetic zero width is one pixel)
+    // to a few; wide ones need proper joins. A pen thinner than a pixel is
+    // drawn as QPainter draws it: one pixel wide, faded by its width (the
+    // same ink per unit of length as a band of its true width).
     const double w = pen.widthF() == 0.0 ? 1.0 : pen.widthF();
-    if (!(w >= 0.999 && w <= 4.0)) return;
-    m_halfWidthPx = 0.5 * w;
+    if (!(w >= 0.1 && w <= 4.0)) return;
+    const double bandPx = std::max(w, 1.0);
+    const double fade = std::min(w, 1.0);
+    m_halfWidthPx = 0.5 * bandPx;
     const Qt::PenStyle style = pen.style();
     if (style == Qt::NoPen) return;
     if (style != Qt::SolidLine) {
@@ -87,19 +91,28 @@ CThinLineStroker::CThinLineStroker(QPainter& p)
         if (pattern.size() < 2 || pattern.size() > kMaxPattern || pattern.size() % 2 != 0) return;
         for (qreal v : pattern) {
             if (!(v >= 0.0) || !std::isfinite(v)) return;
-            m_pattern[m_patternCount++] = v * w;
-            m_patternLengthPx += v * w;
+            m_pattern[m_patternCount++] = v * bandPx;
+            m_patternLengthPx += v * bandPx;
         }
         if (!(m_patternLengthPx >= 1.0)) return;
-        m_dashOffsetPx = std::isfinite(pen.dashOffset()) ? pen.dashOffset() * w : 0.0;
+        m_dashOffsetPx = std::isfinite(pen.dashOffset()) ? pen.dashOffset() * bandPx : 0.0;
     }
     m_target = FindRasterTarget(p);
     if (!m_target.Ok()) return;
     const QColor c = pen.color().toRgb();
     m_rgb = 0xff000000u | (static_cast<std::uint32_t>(c.red()) << 16) | (static_cast<std::uint32_t>(c.green()) << 8) |
             static_cast<std::uint32_t>(c.blue());
-    m_alphaScale = static_cast<double>(c.alpha());
+    m_alphaScale = static_cast<double>(c.alpha()) * fade;
+    for (std::uint32_t a = 0; a < 256; ++a) m_colourAt[a] = ByteMul(m_rgb, a);
+    m_rowLo = 0;
+    m_rowHi = m_target.height;
     m_ok = true;
+}
+
+void CThinLineStroker::SetRowBand(int firstRow, int endRow)
+{
+    m_rowLo = std::clamp(firstRow, 0, m_target.height);
+    m_rowHi = std::clamp(endRow, m_rowLo, m_target.height);
 }
 
 // Where along the dash pattern a point lies: the entry and what is left of it.
@@ -140,10 +153,11 @@ void CThinLineStroker::Segment(double x0, double y0, double x1, double y1, doubl
     int entry = 0;
     double leftPx = HUGE_VAL;
     if (m_patternCount != 0) DashAt(startPx + std::fabs((first + 0.5) - a0) * stepPx, entry, leftPx);
-    const int W = m_target.width, H = m_target.height;
+    const int W = m_target.width;
     const qsizetype bpl = m_target.bytesPerLine;
     const int shiftA = xMajor ? m_target.dx : m_target.dy, shiftB = xMajor ? m_target.dy : m_target.dx;
-    const int limitA = xMajor ? W : H, limitB = xMajor ? H : W;
+    const int loA = xMajor ? 0 : m_rowLo, loB = xMajor ? m_rowLo : 0;
+    const int limitA = xMajor ? W : m_rowHi, limitB = xMajor ? m_rowHi : W;
     for (int i = first; i != end; i += dir) {
         const bool on = entry % 2 == 0;
         if (m_patternCount != 0) {
@@ -154,13 +168,13 @@ void CThinLineStroker::Segment(double x0, double y0, double x1, double y1, doubl
             }
         }
         const int ia = i + shiftA;
-        if (!on || ia < 0 || ia >= limitA) continue;
+        if (!on || ia < loA || ia >= limitA) continue;
         const double centre = b0 + ((i + 0.5) - a0) * slope;
         const double lo = centre - half, hi = centre + half;
         const int jLo = FloorInt(lo), jHi = FloorInt(hi);
         for (int j = jLo; j <= jHi; ++j) {
             const int jb = j + shiftB;
-            if (jb < 0 || jb >= limitB) continue;
+            if (jb < loB || jb >= limitB) continue;
             const double cover = std::min(hi, j + 1.0) - std::max(lo, static_cast<double>(j));
             if (!(cover > 0.0)) continue;
             // Coverage times the pen's alpha, 0-255.
@@ -168,6 +182,83 @@ void CThinLineStroker::Segment(double x0, double y0, double x1, double y1, doubl
             auto* dst = xMajor ? reinterpret_cast<std::uint32_t*>(m_target.bits + jb * bpl) + ia
                                : reinterpret_cast<std::uint32_t*>(m_target.bits + ia * bpl) + jb;
             *dst = ByteMul(m_rgb, a) + ByteMul(*dst, 255 - a);
+        }
+    }
+}
+
+// The same columns and coverage as Segment() for a solid pen, with the
+// columns outside the image (or the band of rows) skipped before the loop
+// and the bounds tested once per column rather than once per pixel: the
+// loop a dense overlay spends its time in.
+void CThinLineStroker::SolidSegment(double x0, double y0, double x1, double y1)
+{
+    const double dx = x1 - x0, dy = y1 - y0;
+    const double len = std::sqrt(dx * dx + dy * dy);
+    if (!(len > 0.0)) return;
+    const bool xMajor = std::fabs(dx) >= std::fabs(dy);
+    const double a0 = xMajor ? x0 : y0, a1 = xMajor ? x1 : y1;
+    const double b0 = xMajor ? y0 : x0;
+    const double da = a1 - a0, slope = (xMajor ? dy : dx) / da;
+    const double half = m_halfWidthPx * (len / std::fabs(da));
+    // Columns whose centres i + 0.5 lie in [a0, a1) (or (a1, a0]): each
+    // column is visited once whichever way the segment runs.
+    int iBeg = 0, iEnd = 0;
+    if (da > 0.0) {
+        iBeg = static_cast<int>(std::ceil(a0 - 0.5));
+        iEnd = static_cast<int>(std::ceil(a1 - 0.5));
+    } else {
+        iBeg = static_cast<int>(std::floor(a1 - 0.5)) + 1;
+        iEnd = static_cast<int>(std::floor(a0 - 0.5)) + 1;
+    }
+    const int shiftA = xMajor ? m_target.dx : m_target.dy, shiftB = xMajor ? m_target.dy : m_target.dx;
+    const int loA = xMajor ? 0 : m_rowLo, hiA = xMajor ? m_target.width : m_rowHi;
+    const int loB = xMajor ? m_rowLo : 0, hiB = xMajor ? m_rowHi : m_target.width;
+    iBeg = std::max(iBeg, loA - shiftA);
+    iEnd = std::min(iEnd, hiA - shiftA);
+    if (xMajor && slope != 0.0 && iBeg < iEnd) {
+        // The columns whose band can reach the rows [loB, hiB), with a
+        // column to spare each side; the pixels are still tested below.
+        const double reach = half + 1.0;
+        double t0 = ((loB - shiftB - reach) - b0) / slope + a0 - 0.5;
+        double t1 = ((hiB - shiftB + reach) - b0) / slope + a0 - 0.5;
+        if (t0 > t1) std::swap(t0, t1);
+        if (t0 > iBeg) iBeg = static_cast<int>(std::max<double>(iBeg, std::min<double>(iEnd, std::floor(t0) - 1.0)));
+        if (t1 < iEnd) iEnd = static_cast<int>(std::min<double>(iEnd, std::max<double>(iBeg, std::ceil(t1) + 1.0)));
+    }
+    const qsizetype bpl = m_target.bytesPerLine;
+    uchar* const bits = m_target.bits;
+    for (int i = iBeg; i < iEnd; ++i) {
+        const double centre = b0 + ((i + 0.5) - a0) * slope;
+        const double lo = centre - half, hi = centre + half;
+        const int jLo = FloorInt(lo), jHi = FloorInt(hi);
+        const int ia = i + shiftA;
+        const int bLo = jLo + shiftB, bHi = jHi + shiftB;
+        if (bHi < loB || bLo >= hiB) continue;
+        // One pixel's step along the minor axis, from the first pixel's address.
+        std::uint32_t* dst = nullptr;
+        qsizetype stride = 0;
+        if (xMajor) {
+            dst = reinterpret_cast<std::uint32_t*>(bits + bLo * bpl) + ia;
+            stride = bpl / 4;
+        } else {
+            dst = reinterpret_cast<std::uint32_t*>(bits + ia * bpl) + bLo;
+            stride = 1;
+        }
+        if (bLo >= loB && bHi < hiB) {
+            if (jLo == jHi) {
+                Put(dst, hi - lo);
+                continue;
+            }
+            Put(dst, (jLo + 1) - lo);
+            for (int j = jLo + 1; j < jHi; ++j) Put(dst + (j - jLo) * stride, 1.0);
+            Put(dst + (jHi - jLo) * stride, hi - jHi);
+            continue;
+        }
+        for (int j = jLo; j <= jHi; ++j) {
+            const int jb = j + shiftB;
+            if (jb < loB || jb >= hiB) continue;
+            const double cover = std::min(hi, j + 1.0) - std::max(lo, static_cast<double>(j));
+            if (cover > 0.0) Put(dst + (j - jLo) * stride, std::min(cover, 1.0));
         }
     }
 }
@@ -183,16 +274,27 @@ bool CThinLineStroker::Stroke(const ScreenPoint* points, std::size_t count)
     double patternPosPx = 0.0;
     for (std::size_t k = 1; k < count; ++k) {
         ScreenPoint a = points[k - 1], b = points[k];
+        // Most segments of a chart lie wholly inside (and so are finite):
+        // clipping would leave them as they are.
+        if (m_patternCount == 0 && a.x >= x0 && a.x <= x1 && a.y >= y0 && a.y <= y1 && b.x >= x0 && b.x <= x1 &&
+            b.y >= y0 && b.y <= y1) {
+            SolidSegment(a.x, a.y, b.x, b.y);
+            continue;
+        }
         if (!std::isfinite(a.x) || !std::isfinite(a.y) || !std::isfinite(b.x) || !std::isfinite(b.y)) continue;
         const double before = patternPosPx;
-        patternPosPx += std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y));
+        if (m_patternCount != 0) patternPosPx += std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y));
         const ScreenPoint from = a;
         bool aClipped = false, bClipped = false;
         if (!ClipSegmentToRect(a, b, x0, y0, x1, y1, aClipped, bClipped)) continue;
         // Clipping ends far beyond 1e15 pixels loses their digits: such an
         // end may land anywhere, so what is not inside now is not drawn.
-        const auto inside = [&](const ScreenPoint& q) { return q.x >= x0 - 1.0 && q.x <= x1 + 1.0 && q.y >= y0 - 1.0 && q.y <= y1 + 1.0; };
-        if (!inside(a) || !inside(b)) continue;
+        const auto near = [&](const ScreenPoint& q) { return q.x >= x0 - 1.0 && q.x <= x1 + 1.0 && q.y >= y0 - 1.0 && q.y <= y1 + 1.0; };
+        if (!near(a) || !near(b)) continue;
+        if (m_patternCount == 0) {
+            SolidSegment(a.x, a.y, b.x, b.y);
+            continue;
+        }
         double pos = before + (aClipped ? std::sqrt((a.x - from.x) * (a.x - from.x) + (a.y - from.y) * (a.y - from.y)) : 0.0);
         Segment(a.x, a.y, b.x, b.y, pos);
     }

@@ -71,16 +71,30 @@ public:
     explicit CThinLineStroker(QPainter& p);
     bool Usable() const { return m_ok; }
     bool Stroke(const ScreenPoint* points, std::size_t count);
+    // Restricts the pixels written to the image rows [first, end): strokers
+    // given disjoint bands of rows may stroke the same polylines at once,
+    // and together they write exactly what one stroker without a band does.
+    void SetRowBand(int firstRow, int endRow);
+    int ImageRows() const { return m_target.height; }
 
 private:
     static constexpr int kMaxPattern = 16;
     void Segment(double x0, double y0, double x1, double y1, double& patternPosPx);
+    void SolidSegment(double x0, double y0, double x1, double y1);
     void DashAt(double patternPosPx, int& entry, double& leftPx) const;
+    // Blends the pen's colour at `cover` (0-1) of a pixel.
+    void Put(std::uint32_t* dst, double cover) const
+    {
+        const auto a = static_cast<std::uint32_t>(cover * m_alphaScale + 0.5);
+        if (a != 0) *dst = m_colourAt[a] + ByteMul(*dst, 255 - a);
+    }
 
     RasterTarget m_target;
     bool m_ok = false;
     std::uint32_t m_rgb = 0;     // the pen's colour, opaque
     double m_alphaScale = 255.0; // its alpha
+    std::uint32_t m_colourAt[256] = {};  // the colour premultiplied by each coverage
+    int m_rowLo = 0, m_rowHi = 0;        // the image rows written, [lo, hi)
     double m_patternLengthPx = 0.0;
     double m_dashOffsetPx = 0.0;
     double m_halfWidthPx = 0.5;

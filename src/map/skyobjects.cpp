@@ -14,6 +14,7 @@ void CChartScene::Begin(const Header& header)
 {
     m_header = header;
     m_horizon.reset();
+    m_ground.reset();
     m_valid = true;
     m_objects.clear();
     std::fill(m_styles.begin(), m_styles.end(), 0u);

@@ -32,6 +32,7 @@
 namespace orv {
 
 class CObserverDoc;
+class CGroundCover;
 
 // The registry's number for a source, in order of registration.
 using SkySourceId = std::uint16_t;
@@ -83,6 +84,10 @@ public:
     // mathematical horizon.
     void SetHorizon(std::shared_ptr<const HorizonProfile> horizon) { m_horizon = std::move(horizon); }
     const std::shared_ptr<const HorizonProfile>& Horizon() const { return m_horizon; }
+    // The ground of this draw, as the layer that owns it (place 9) tells the
+    // others what it hides; none (Begin clears it) when no ground is drawn.
+    void SetGround(std::shared_ptr<const CGroundCover> ground) { m_ground = std::move(ground); }
+    const CGroundCover* Ground() const { return m_ground.get(); }
     bool Valid() const { return m_valid; }
     void Invalidate();
 
@@ -104,6 +109,7 @@ public:
 private:
     Header m_header;
     std::shared_ptr<const HorizonProfile> m_horizon;
+    std::shared_ptr<const CGroundCover> m_ground;
     bool m_valid = false;
     std::vector<SceneObject> m_objects;
     std::vector<std::uint32_t> m_styles;  // by source

@@ -1,15 +1,15 @@
 #include "overlay/drawoverlay.h"
 
 #include <QFontMetricsF>
-#include <QPainterPath>
 
 #include <algorithm>
 #include <cmath>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include "map/curvetrace.h"
 #include "map/drawcontext.h"
-#include "map/horizonprofile.h"
 #include "observer/observer.h"
 #include "util/angles.h"
 
@@ -66,6 +66,7 @@ public:
             for (int i = 0; i < 3; ++i) prec[i][j] = e[i];
         }
         MatMulTransposeB(m_fromJ2000, prec, m_fromMapEpoch);
+        m_rows = ctx.frame.ProjectionRows();
         const double visible = ctx.coords.VisibleRadiusRad();
         m_marginRad = CCurveTracer::CapMarginRad(visible);
         m_capRad = std::min(visible + m_marginRad, 170.0 * kRadPerDeg);
@@ -88,6 +89,7 @@ public:
         QFont font = m_ctx.fonts.label;
         QColor textColour = SurfaceColour(m_ctx, OverlayFont{}.first, OverlayFont{}.second);
         int align = kOverlayAlignCentre;
+        ProjectBeforehand(o);
         Point prev;
         bool havePrev = false;
         std::size_t nextBlock = 0;
@@ -100,7 +102,7 @@ public:
                 const OverlayBlock& b = o.blocks[nextBlock++];
                 if (OutOfView(b)) {
                     PenUp();
-                    prev = Transform(o, o.commands[b.endCommand - 1]);
+                    prev = TransformAt(o, b.endCommand - 1);
                     havePrev = true;
                     ci = b.endCommand - 1;
                     continue;
@@ -124,18 +126,18 @@ public:
             case OverlayOp::TextAlign: align = static_cast<int>(c.index); break;
             case OverlayOp::Move:
                 PenUp();  // a new polyline, stroked with the others of this line style
-                prev = Transform(o, c);
+                prev = TransformAt(o, ci);
                 havePrev = true;
                 break;
             case OverlayOp::Draw: {
-                const Point cur = Transform(o, c);
+                const Point cur = TransformAt(o, ci);
                 if (havePrev) Segment(prev, cur, 0);
                 prev = cur;
                 havePrev = true;
                 break;
             }
             case OverlayOp::Text: {
-                const Point at = Transform(o, c);
+                const Point at = TransformAt(o, ci);
                 if (at.ok && c.text < o.texts.size()) {
                     Flush();
                     DrawText(at.s, QString::fromStdString(o.texts[c.text]), font, textColour, align);
@@ -154,7 +156,13 @@ private:
         bool inCap = false;
         bool ok = false;  // in the cap and projected
         ScreenPoint s;
+        // A point taken from the projections made beforehand carries no
+        // vector: it is made from the display list when a segment needs it.
+        const double* q = nullptr;
+        const double (*m)[3] = nullptr;
     };
+
+
 
     // Refraction by the chart's rule as a table in the sine of the altitude,
     // so that a large display list is lifted without a trigonometric call
@@ -196,11 +204,25 @@ private:
         v[2] = m_refrZ[i] + f * (m_refrZ[i + 1] - m_refrZ[i]);
     }
 
+    // Whether a frame vector lies in the cap, and where on the screen: the
+    // cap ends at least 10° short of the projection's pole, so every point
+    // in it projects.
+    void Project(Point& r) const
+    {
+        const double* v = r.v;
+        const double c = m_rows.centre[0] * v[0] + m_rows.centre[1] * v[1] + m_rows.centre[2] * v[2];
+        r.inCap = c > m_cosCap;
+        r.ok = r.inCap;
+        if (!r.ok) return;
+        const double k = 2.0 / (1.0 + c);
+        r.s.x = m_rows.x0 + k * (m_rows.x[0] * v[0] + m_rows.x[1] * v[1] + m_rows.x[2] * v[2]);
+        r.s.y = m_rows.y0 + k * (m_rows.y[0] * v[0] + m_rows.y[1] * v[1] + m_rows.y[2] * v[2]);
+    }
+
     Point Finish(Point r) const
     {
         Refract(r.v);
-        r.inCap = m_ctx.frame.CosFromCentre(r.v) > m_cosCap;
-        r.ok = r.inCap && m_ctx.frame.ToScreen(r.v, r.s);
+        Project(r);
         return r;
     }
 
@@ -225,12 +247,85 @@ private:
         return Finish(r);
     }
 
+    // The point of command `ci`: from the projections made beforehand when
+    // there are some, else made now (the same arithmetic either way).
+    Point TransformAt(const COverlay& o, std::size_t ci) const
+    {
+        const OverlayCommand& c = o.commands[ci];
+        if (ci < m_projectedCount && (*m_states)[ci] != 0) {
+            Point r;
+            r.s = (*m_screens)[ci];
+            r.ok = r.inCap = (*m_states)[ci] == 1;
+            r.q = &o.points[3 * static_cast<std::size_t>(c.index)];
+            r.m = c.frame == OverlayFrame::J2000 ? m_fromJ2000 : m_fromMapEpoch;
+            return r;
+        }
+        return Transform(o, c);
+    }
+
+    // The vector of a point taken from the projections.
+    void EnsureVector(Point& r) const
+    {
+        if (r.q == nullptr) return;
+        for (int i = 0; i < 3; ++i) r.v[i] = r.m[i][0] * r.q[0] + r.m[i][1] * r.q[1] + r.m[i][2] * r.q[2];
+        Refract(r.v);
+        r.q = nullptr;
+    }
+
+    // A display list of many commands on a chart image is brought to the
+    // chart on two cores before it is walked: each thread projects the
+    // points of half the culling blocks (of a block beyond the field only
+    // its last point, as the walk takes it). Commands outside the blocks
+    // are projected by the walk itself.
+    void ProjectBeforehand(const COverlay& o)
+    {
+        constexpr std::size_t kCommandsForTwoCores = 100000;
+        if (m_mergePx <= 0.0 || o.commands.size() < kCommandsForTwoCores || o.blocks.size() < 2 ||
+            std::thread::hardware_concurrency() < 2)
+            return;
+        // Kept from one draw to the next (a million points are 16 MB); the
+        // states say which entries this draw has made.
+        static thread_local std::vector<ScreenPoint> screens;
+        static thread_local std::vector<std::uint8_t> states;
+        if (screens.size() < o.commands.size()) screens.resize(o.commands.size());
+        states.assign(o.commands.size(), 0);
+        m_screens = &screens;
+        m_states = &states;
+        const auto run = [&](std::size_t firstBlock, std::size_t endBlock) {
+            for (std::size_t bi = firstBlock; bi < endBlock; ++bi) {
+                const OverlayBlock& b = o.blocks[bi];
+                const std::size_t from = OutOfView(b) ? b.endCommand - 1 : b.firstCommand;
+                for (std::size_t ci = from; ci < b.endCommand && ci < o.commands.size(); ++ci) {
+                    const OverlayCommand& c = o.commands[ci];
+                    if (c.op != OverlayOp::Move && c.op != OverlayOp::Draw && c.op != OverlayOp::Text) continue;
+                    const Point r = Transform(o, c);
+                    // Through the members: in the helper thread the names
+                    // of the thread-local buffers would be its own.
+                    (*m_screens)[ci] = r.s;
+                    (*m_states)[ci] = r.ok ? 1 : 2;
+                }
+            }
+        };
+        const std::size_t half = o.blocks.size() / 2;
+        try {
+            std::thread helper(run, half, o.blocks.size());
+            run(0, half);
+            helper.join();
+        } catch (const std::system_error&) {
+            // No second thread to be had: the walk projects what is left.
+        }
+        m_projectedCount = o.commands.size();
+    }
+
     void Segment(const Point& a, const Point& b, int depth)
     {
         if (a.ok && b.ok) {
             ScreenPoint sa = a.s, sb = b.s;
             bool aClipped = false, bClipped = false;
-            if (!ClipSegmentToRect(sa, sb, m_x0, m_y0, m_x1, m_y1, aClipped, bClipped)) {
+            // Clipping leaves a segment wholly inside as it is: only the others are clipped.
+            const bool inside = sa.x >= m_x0 && sa.x <= m_x1 && sa.y >= m_y0 && sa.y <= m_y1 && sb.x >= m_x0 &&
+                                sb.x <= m_x1 && sb.y >= m_y0 && sb.y <= m_y1;
+            if (!inside && !ClipSegmentToRect(sa, sb, m_x0, m_y0, m_x1, m_y1, aClipped, bClipped)) {
                 PenUp();
                 return;
             }
@@ -253,6 +348,13 @@ private:
             m_holding = false;
             m_curve.polylines.back().push_back(sb);
             if (bClipped) PenUp();
+            return;
+        }
+        if (a.q != nullptr || b.q != nullptr) {
+            Point va = a, vb = b;
+            EnsureVector(va);
+            EnsureVector(vb);
+            Segment(va, vb, depth);
             return;
         }
         // An end outside the cap: a short segment lies wholly outside the
@@ -282,8 +384,7 @@ private:
             return;
         }
         for (int i = 0; i < 3; ++i) m.v[i] = (a.v[i] + b.v[i]) / n;
-        m.inCap = m_ctx.frame.CosFromCentre(m.v) > m_cosCap;
-        m.ok = m.inCap && m_ctx.frame.ToScreen(m.v, m.s);
+        Project(m);
         Segment(a, m, depth + 1);
         Segment(m, b, depth + 1);
     }
@@ -331,6 +432,7 @@ private:
     DrawContext& m_ctx;
     double m_fromJ2000[3][3];
     double m_fromMapEpoch[3][3];
+    CChartFrame::ScreenRows m_rows{};
     double m_marginRad = 0.0, m_capRad = kPi, m_cosCap = -1.0, m_cosMargin = 1.0;
     double m_x0 = 0, m_y0 = 0, m_x1 = 0, m_y1 = 0;
     static constexpr int kRefractionSamples = 2048;
@@ -342,6 +444,11 @@ private:
     // whose resolution is not the chart's pixels).
     double m_mergePx = 0.0;
     double m_refractionMarginRad = 0.0;
+    // The points made beforehand, by command: screen places and states (0
+    // not made, 1 in the cap and projected, 2 beyond the cap).
+    std::vector<ScreenPoint>* m_screens = nullptr;
+    std::vector<std::uint8_t>* m_states = nullptr;
+    std::size_t m_projectedCount = 0;
     ScreenPoint m_heldPoint;
     bool m_holding = false;
     std::size_t m_segments = 0;
@@ -397,34 +504,6 @@ private:
     int m_level = -1;
 };
 
-// The profile's altitude in degrees at an azimuth in degrees, never below 0
-// (the ground below the mathematical horizon is the grid's).
-double RaisedAltitudeDeg(const HorizonProfile& profile, double azDeg)
-{
-    return std::max(0.0, HorizonAltitudeRad(profile, azDeg * kRadPerDeg) * kDegPerRad);
-}
-
-class CHorizonLayer final : public IChartLayer {
-public:
-    std::span<const LayerSlot> Slots() const override { return kSlots; }
-    bool ShownAt(const CMapView& view, int) const override { return view.horizon.shown; }
-    void Draw(DrawContext& ctx, LayerSlot) override
-    {
-        if (!ctx.frame.IsHorizontal()) return;
-        const HorizonProfile& profile = ctx.doc.horizon.altitudeDeg;
-        const bool flat = std::all_of(profile.begin(), profile.end(), [](std::int8_t a) { return a == 0; });
-        // A flat profile is the mathematical horizon, which the horizon
-        // grid already draws (and fills below) when it is shown: stroking
-        // it a second time would only cost time.
-        if (flat && ctx.view.altAzGrid.state > 0) return;
-        if (ctx.view.altAzGrid.solidHorizon != 0) DrawHorizonGround(ctx);
-        DrawHorizonLine(ctx);
-    }
-
-private:
-    static constexpr LayerSlot kSlots[] = {LayerSlot::Horizon};
-};
-
 }  // namespace
 
 std::size_t DrawOverlay(DrawContext& ctx, const COverlay& overlay)
@@ -437,80 +516,9 @@ std::size_t DrawOverlay(DrawContext& ctx, const COverlay& overlay)
     return n;
 }
 
-void DrawHorizonGround(DrawContext& ctx)
-{
-    const HorizonProfile& profile = ctx.doc.horizon.altitudeDeg;
-    const double visible = ctx.coords.VisibleRadiusRad();
-    const double margin = CCurveTracer::CapMarginRad(visible);
-    const double cosCap = std::cos(std::min(visible + margin, 170.0 * kRadPerDeg));
-    // Cells small enough that none reaches across the cap's margin, from a
-    // quarter of a degree to two degrees on a side.
-    const double stepDeg = std::clamp(0.5 * margin * kDegPerRad, 0.25, 2.0);
-    const int perDegree = static_cast<int>(std::ceil(1.0 / stepDeg));
-    QPainterPath ground;
-    ground.setFillRule(Qt::WindingFill);
-    const double cosReach = std::cos(std::min(visible + margin + 92.0 * kRadPerDeg, kPi));
-    for (int k = 0; k < kHorizonFileBytes; ++k) {
-        const double top0 = std::max<double>(profile[k], 0.0), top1 = std::max<double>(profile[(k + 1) % 360], 0.0);
-        if (top0 <= 0.0 && top1 <= 0.0) continue;
-        double base[3];
-        ctx.frame.HorizontalToFrame(0.0, (k + 0.5) * kRadPerDeg, base);
-        if (ctx.frame.CosFromCentre(base) < cosReach) continue;
-        const int rows = std::max(1, static_cast<int>(std::ceil(std::max(top0, top1) / stepDeg)));
-        for (int i = 0; i < perDegree; ++i) {
-            const double az0 = k + static_cast<double>(i) / perDegree, az1 = k + static_cast<double>(i + 1) / perDegree;
-            const double h0 = RaisedAltitudeDeg(profile, az0), h1 = RaisedAltitudeDeg(profile, az1);
-            for (int j = 0; j < rows; ++j) {
-                const double t0 = static_cast<double>(j) / rows, t1 = static_cast<double>(j + 1) / rows;
-                const double corners[4][2] = {{az0, h0 * t0}, {az1, h1 * t0}, {az1, h1 * t1}, {az0, h0 * t1}};
-                QPolygonF cell;
-                bool all = true;
-                for (const auto& c : corners) {
-                    double v[3];
-                    ctx.frame.HorizontalToFrame(c[1] * kRadPerDeg, c[0] * kRadPerDeg, v);
-                    ScreenPoint s;
-                    if (!(ctx.frame.CosFromCentre(v) > cosCap) || !ctx.frame.ToScreen(v, s)) {
-                        all = false;
-                        break;
-                    }
-                    cell << QPointF(s.x, s.y);
-                }
-                if (all) {
-                    cell << cell.front();
-                    ground.addPolygon(cell);
-                }
-            }
-        }
-    }
-    if (ground.isEmpty()) return;
-    QPainter& p = ctx.painter;
-    p.setRenderHint(QPainter::Antialiasing, true);
-    p.setPen(Qt::NoPen);
-    p.setBrush(ctx.palette.ground);
-    p.drawPath(ground);
-}
-
-void DrawHorizonLine(DrawContext& ctx)
-{
-    const HorizonProfile& profile = ctx.doc.horizon.altitudeDeg;
-    const double visible = ctx.coords.VisibleRadiusRad();
-    const double cap = std::min(visible + CCurveTracer::CapMarginRad(visible), 170.0 * kRadPerDeg);
-    const CCurveTracer tracer(ctx.frame, ctx.Width(), ctx.Height(), cap, 0.3, ctx.LineWidth() + 2.0);
-    const int segments = std::max(360, static_cast<int>(std::ceil(kTwoPi / CCurveTracer::MaxStepRad(visible))));
-    const TracedCurve curve = tracer.Trace(
-        [&](double azRad, double v[3]) { ctx.frame.HorizontalToFrame(HorizonAltitudeRad(profile, azRad), azRad, v); },
-        0.0, kTwoPi, segments);
-    QPainter& p = ctx.painter;
-    p.setRenderHint(QPainter::Antialiasing, true);
-    p.setPen(QPen(ctx.palette.horizonLine, ctx.LineWidth(1.5)));
-    p.setBrush(Qt::NoBrush);
-    StrokePolylines(p, curve);
-}
-
 void RegisterOverlaysAndHorizon(CChartLayerRegistry& layers, std::shared_ptr<COverlayStore> store)
 {
     layers.Add<COverlayLayer>(store);
-    layers.Add<CHorizonLayer>();
 }
 
 }  // namespace orv

@@ -1,4 +1,4 @@
-// The chart layers of the overlays and the horizon profile.
+// The chart layer of the map overlays.
 //
 // Overlays (place 8 of the chart's order): every active overlay of the
 // store's list, and the files the store draws besides, brought from their
@@ -8,10 +8,8 @@
 // range of levels is switched on when its chart enters the range and off
 // when it leaves it; the list's active flag is what a chart starts with.
 //
-// Horizon (place 9): on alt-azimuth charts at the horizon's levels, the
-// ground between the mathematical horizon and the profile filled in the
-// scheme's ground colour at the solid-horizon levels (the ground below 0° is
-// the altitude-azimuth grid's), and the profile line on top.
+// The horizon line and the ground (place 9) are the map's own ground layer
+// (map/drawground.h), registered with the map's layers.
 #pragma once
 
 #include <memory>
@@ -26,11 +24,9 @@ struct DrawContext;
 // Draws one parsed overlay onto the chart (used by the layer and the
 // benchmark). Returns the number of segments stroked.
 std::size_t DrawOverlay(DrawContext& ctx, const COverlay& overlay);
-// The horizon layer's two parts.
-void DrawHorizonGround(DrawContext& ctx);
-void DrawHorizonLine(DrawContext& ctx);
-
-// Registers the overlay layer (drawing what `store` lists) and the horizon layer.
+// Registers the overlay layer (drawing what `store` lists). The name is
+// older than the ground layer, which now draws the horizon with the map's
+// own layers.
 void RegisterOverlaysAndHorizon(CChartLayerRegistry& layers, std::shared_ptr<COverlayStore> store);
 
 }  // namespace orv

@@ -3,12 +3,23 @@
 // once, the title says when the profile is unsaved, and undo steps back.
 #include <gtest/gtest.h>
 
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTest>
+#include <QTimer>
+
+#include <filesystem>
 
 #include "app/appcontext.h"
 #include "app/horizoneditor.h"
+#include "app/mainframe.h"
+#include "app/mapwindow.h"
+#include "app/qtsettingsstore.h"
+#include "map/mapdoc.h"
+#include "support/compare.h"
 #include "util/settingsstore.h"
 
 using namespace orv;
@@ -74,6 +85,64 @@ TEST(HorizonEditor, DragSetsTheProfileAndUndoRestoresIt)
     undo->click();
     EXPECT_EQ(flat, dialog.Profile());
     EXPECT_EQ(flat, shown);
+}
+
+// Opened from the menu with three maps open, two of them showing the same
+// horizon file: an edit reaches both (not only the active one) and leaves
+// the third map's own horizon alone, while the check box for rising and
+// setting, a setting of the program, reaches every open map.
+TEST(HorizonEditor, EveryMapShowingTheHorizonFollowsTheEditor)
+{
+    const std::string dir = orv::test::MakeTempDir();
+    CQtSettingsStore settings{(std::filesystem::path(dir) / "orvane.ini").string()};
+    CAppContext context{settings};
+    CMainFrame frame{context};
+    frame.resize(900, 700);
+    frame.show();
+    CMapWindow* other = frame.NewMap();
+    CMapWindow* first = frame.NewMap();
+    CMapWindow* second = frame.NewMap();
+    ASSERT_TRUE(other && first && second);
+    HorizonProfile trees{};
+    trees[45] = 7;
+    for (CMapWindow* m : {first, second}) {
+        m->Doc().horizon.fileName = "/tmp/garden.hzn";
+        m->Doc().horizon.altitudeDeg = trees;
+    }
+    other->Doc().horizon.fileName = "/tmp/roof.hzn";
+    other->Doc().horizon.altitudeDeg[200] = 30;
+    ASSERT_EQ(second, frame.ActiveMap());
+
+    QAction* open = nullptr;
+    for (QAction* a : frame.findChildren<QAction*>())
+        if (a->text() == "&Horizon Editor...") open = a;
+    ASSERT_NE(nullptr, open);
+    bool edited = false;
+    QTimer::singleShot(0, [&] {
+        auto* dialog = qobject_cast<CHorizonEditorDialog*>(QApplication::activeModalWidget());
+        if (dialog == nullptr) return;
+        auto spins = dialog->findChildren<QSpinBox*>();
+        auto* useForEvents = dialog->findChild<QCheckBox*>();
+        if (spins.size() >= 3 && useForEvents != nullptr) {
+            spins[0]->setValue(120);  // marker A
+            spins[2]->setValue(25);   // altitude at A
+            useForEvents->setChecked(!useForEvents->isChecked());
+            edited = true;
+        }
+        dialog->done(0);
+    });
+    open->trigger();
+    ASSERT_TRUE(edited);
+
+    for (CMapWindow* m : {first, second}) {
+        EXPECT_EQ(25, m->Doc().horizon.altitudeDeg[120]);
+        EXPECT_EQ(7, m->Doc().horizon.altitudeDeg[45]);
+        EXPECT_EQ(1, m->Doc().horizon.useForEvents);
+    }
+    EXPECT_EQ(0, other->Doc().horizon.altitudeDeg[120]);
+    EXPECT_EQ(30, other->Doc().horizon.altitudeDeg[200]);
+    EXPECT_EQ("/tmp/roof.hzn", other->Doc().horizon.fileName);
+    EXPECT_EQ(1, other->Doc().horizon.useForEvents);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "map/chartframe.h"
 #include "map/drawcontext.h"
+#include "map/mapdraw.h"
 #include "overlay/drawoverlay.h"
 #include "renderfixture.h"
 #include "support/compare.h"
@@ -146,6 +147,75 @@ TEST(HorizonLayer, GroundIsFilledBelowTheProfileAndNotAbove)
     EXPECT_TRUE(isGround(at(-3.1, 160.4)));
     // The profile line is drawn on top of the wall's edge.
     EXPECT_FALSE(isGround(at(20.0, 180.0)));
+}
+
+// One line at the horizon, drawn by its owner: with a flat profile and the
+// horizon grid shown, the pixels along 0° of altitude take the horizon
+// line's colour (the grid leaves its 0° line to it), and the grid's other
+// parallels keep theirs.
+TEST(HorizonLayer, AFlatProfileIsDrawnOnceByTheHorizonLine)
+{
+    CSmallCatalogueChart chart;
+    CMapView& view = chart.View();
+    Plain(view);
+    view.altAzGrid.visible = 1;
+    view.SetLevel(1, CMapView::TakeField::Yes);
+    view.coordinates.SetCentringMode(Centring::AltAz);
+    view.coordinates.SetCentreAltAz(chart.Doc().observer, 15.0 * kRadPerDeg, 180.0 * kRadPerDeg);
+    ASSERT_TRUE(view.horizon.shown);
+    ASSERT_GT(view.altAzGrid.state, 0);
+    chart.Doc().horizon.altitudeDeg.fill(0);
+    const QImage img = chart.Render();
+    const ChartPalette palette = MakePalette(ColourScheme::Normal, SurfaceKind::RasterDisplay, false);
+    const CChartFrame frame(chart.Doc().observer, view.coordinates);
+    // The most saturated pixel within 2 px of a point: the line's own colour.
+    auto lineColourAt = [&](double altDeg, double azDeg) {
+        double v[3];
+        frame.HorizontalToFrame(altDeg * kRadPerDeg, azDeg * kRadPerDeg, v);
+        ScreenPoint s;
+        EXPECT_TRUE(frame.ToScreen(v, s));
+        QColor best;
+        for (int dy = -2; dy <= 2; ++dy)
+            for (int dx = -2; dx <= 2; ++dx) {
+                const QColor c(img.pixel(static_cast<int>(s.x) + dx, static_cast<int>(s.y) + dy));
+                if (!best.isValid() || c.green() > best.green()) best = c;
+            }
+        return best;
+    };
+    const auto near = [](const QColor& a, const QColor& b) {
+        return std::abs(a.red() - b.red()) <= 12 && std::abs(a.green() - b.green()) <= 12 &&
+               std::abs(a.blue() - b.blue()) <= 12;
+    };
+    for (double az : {160.0, 175.0, 200.0}) {
+        EXPECT_TRUE(near(lineColourAt(0.0, az), palette.horizonLine)) << az;
+        EXPECT_FALSE(near(lineColourAt(0.0, az), palette.grid[1])) << az;
+    }
+}
+
+// The ground is the map's own: a chart made of the map's layers alone (no
+// overlays) fills it and cuts the sky's grids at it.
+TEST(HorizonLayer, TheMapsOwnLayersFillTheGround)
+{
+    CChartComponents components;
+    RegisterMapLayers(components.layers);
+    CMemorySettingsStore settings;
+    CLevelTable levels;
+    CMapDoc doc(settings);
+    doc.observer.SetSite("test", 48.0 * kRadPerDeg, 11.0 * kRadPerDeg, 500.0);
+    doc.observer.SetJulianDate(2460325.416666667);
+    CMapView view(doc, settings, levels);
+    view.SetLevel(1, CMapView::TakeField::Yes);
+    view.coordinates.SetCentreAltAz(doc.observer, 10.0 * kRadPerDeg, 180.0 * kRadPerDeg);
+    ASSERT_NE(0, view.altAzGrid.solidHorizon);
+    CChartRenderer renderer(components);
+    QImage image(640, 480, QImage::Format_RGB32);
+    QPainter painter(&image);
+    renderer.Draw(DrawSurface{&painter, SurfaceKind::Bitmap, 640, 480, 96.0, 96.0}, view, RenderOptions{});
+    painter.end();
+    const QRgb ground = MakePalette(ColourScheme::Normal, SurfaceKind::Bitmap, false).ground.rgb();
+    int groundPixels = 0;
+    for (int x = 0; x < 640; x += 4) groundPixels += image.pixel(x, 476) == ground;
+    EXPECT_GT(groundPixels, 100);  // the bottom edge, 10° below the horizon, is ground (less a few grid lines)
 }
 
 }  // namespace
@@ -332,6 +402,37 @@ TEST(OverlayLayer, CullingBlocksLoseNothing)
         EXPECT_GT(wholeSegments, 0u) << "level " << level;
         EXPECT_EQ(wholeSegments, culledSegments) << "level " << level;
         EXPECT_TRUE(a == b) << "level " << level << ": the culled drawing differs";
+    }
+}
+
+// A display list of 100,000 commands or more is projected on two cores
+// before it is walked: the drawing is the same, pixel for pixel and segment
+// for segment, as the walk that projects every point itself (the list
+// without culling blocks), on an equatorial chart and a refracted
+// alt-azimuth one, with a line crossing the edge of the cap.
+TEST(OverlayLayer, PointsProjectedOnTwoCoresDrawTheSame)
+{
+    std::string text = "epoch J2000.0\ndefine line l solid, 2, red, red\nselect line l\n";
+    char buf[96];
+    for (int c = 0; c < 260; ++c) {
+        const double dec = -86.0 + 172.0 * c / 259.0;
+        for (int i = 0; i <= 400; ++i) {
+            std::snprintf(buf, sizeof buf, "%s %.6f, %.5f\n", i == 0 ? "move" : "draw", 24.0 * (i % 400) / 400.0, dec);
+            text += buf;
+        }
+    }
+    text += "move 3, -89\ndraw 3, 89\ntext 5.5, 0, centre\n";
+    auto projected = std::make_shared<COverlay>(ParseOverlayText(text, "dense.ovl"));
+    ASSERT_GE(projected->commands.size(), 100000u);
+    auto walked = std::make_shared<COverlay>(*projected);
+    walked->blocks.clear();
+    for (const auto& [level, altAz] : {std::pair{4, false}, std::pair{1, true}}) {
+        std::size_t projectedSegments = 0, walkedSegments = 0;
+        const QImage a = DrawAlone(projected, level, altAz, projectedSegments);
+        const QImage b = DrawAlone(walked, level, altAz, walkedSegments);
+        EXPECT_GT(walkedSegments, 100u) << "level " << level;
+        EXPECT_EQ(walkedSegments, projectedSegments) << "level " << level;
+        EXPECT_TRUE(a == b) << "level " << level << ": the drawing differs";
     }
 }
 

@@ -221,3 +221,65 @@ TEST(ThinLineStroker, TranslucentPenBlendsSourceOver)
     EXPECT_NEAR(qRed(px), 128, 1);
     EXPECT_NEAR(qBlue(px), 200 + (255 - 200) * 128 / 255, 1);
 }
+
+// A pen thinner than a pixel (an overlay's quarter-point lines on a screen
+// of 96 dpi are two thirds of a pixel) is taken here too, faded by its
+// width as QPainter fades it: the same ink as QPainter's line within a few
+// percent, solid and dashed.
+TEST(ThinLineStroker, SubPixelPensFadeLikeQPainters)
+{
+    for (const QList<qreal>& dashes : {QList<qreal>{}, QList<qreal>{4.0, 2.0}}) {
+        for (double width : {0.3, 0.667}) {
+            const ScreenPoint from{20.2, 30.6}, to{90.2, 30.6};
+            QImage ours = BlackImage(), qt = BlackImage();
+            ASSERT_TRUE(Stroke(ours, {from, to}, width, dashes));
+            QPainter p(&qt);
+            p.setRenderHint(QPainter::Antialiasing, true);
+            QPen pen(QColor(255, 255, 255), width);
+            pen.setCapStyle(Qt::FlatCap);
+            if (!dashes.isEmpty()) pen.setDashPattern(dashes);
+            p.setPen(pen);
+            p.drawLine(QPointF(from.x, from.y), QPointF(to.x, to.y));
+            p.end();
+            EXPECT_NEAR(TotalInk(ours) / TotalInk(qt), 1.0, 0.05) << width << " px, dashes " << dashes.size();
+            // Along the line: 70 px × width of ink (two thirds of it dashed).
+            const double expected = 70.0 * width * 255.0 * (dashes.isEmpty() ? 1.0 : 4.0 / 6.0);
+            EXPECT_NEAR(TotalInk(ours), expected, 0.06 * expected) << width;
+        }
+    }
+}
+
+// Strokers given the two halves of the image's rows write together exactly
+// what one stroker writes (the chart's long curves are stroked so, on two
+// cores): a dense spiral of 40,000 points crossing the band edge at every
+// slope, and a polyline running off the image, solid and dashed.
+TEST(ThinLineStroker, TwoBandsOfRowsWriteWhatOneStrokerWrites)
+{
+    std::vector<ScreenPoint> spiral;
+    for (int i = 0; i < 40000; ++i) {
+        const double t = i * 0.01, r = 5.0 + 0.0035 * i;
+        spiral.push_back({160.3 + r * std::cos(t), 120.7 + 0.8 * r * std::sin(t)});
+    }
+    const std::vector<ScreenPoint> across{{-50.0, 119.5}, {400.0, 121.2}, {170.0, -30.0}, {171.0, 500.0}};
+    for (const QList<qreal>& dashes : {QList<qreal>{}, QList<qreal>{3.0, 2.0}}) {
+        QImage whole(320, 240, QImage::Format_RGB32), banded(320, 240, QImage::Format_RGB32);
+        whole.fill(QColor(10, 20, 30));
+        banded.fill(QColor(10, 20, 30));
+        const auto stroke = [&](QImage& image, int firstRow, int endRow) {
+            QPainter p(&image);
+            p.setRenderHint(QPainter::Antialiasing, true);
+            QPen pen(QColor(250, 200, 90, 200), 1.3);
+            if (!dashes.isEmpty()) pen.setDashPattern(dashes);
+            p.setPen(pen);
+            CThinLineStroker s(p);
+            ASSERT_TRUE(s.Usable());
+            s.SetRowBand(firstRow, endRow);
+            s.Stroke(spiral.data(), spiral.size());
+            s.Stroke(across.data(), across.size());
+        };
+        stroke(whole, 0, 240);
+        stroke(banded, 0, 117);
+        stroke(banded, 117, 240);
+        EXPECT_EQ(whole, banded) << dashes.size();
+    }
+}
