@@ -59,7 +59,7 @@ void Run(benchmark::State& state, int circles, int steps)
     }
     CChartComponents components;
     RegisterMapLayers(components.layers);
-    RegisterOverlaysAndHorizon(components.layers, store);
+    RegisterOverlays(components.layers, store);
     CMemorySettingsStore settings;
     CLevelTable levels;
     CMapDoc doc(settings);

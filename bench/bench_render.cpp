@@ -71,7 +71,7 @@ struct Components {
         RegisterDeepSkyCatalogues(chart, deepSky);
         RegisterPlanets(chart);
         RegisterMinorBodies(chart, std::make_shared<CMinorCatalogHandle>());
-        RegisterOverlaysAndHorizon(chart.layers, std::make_shared<COverlayStore>());
+        RegisterOverlays(chart.layers, std::make_shared<COverlayStore>());
     }
 };
 

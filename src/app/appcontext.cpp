@@ -39,7 +39,7 @@ CAppContext::CAppContext(CSettingsStore& settings, QObject* parent)
     RegisterPlanets(m_components);
     RegisterMinorBodies(m_components, m_minor);
     sat::RegisterPlottedPassLayer(m_components.layers);
-    RegisterOverlaysAndHorizon(m_components.layers, m_overlays);
+    RegisterOverlays(m_components.layers, m_overlays);
     m_levels.Load(settings);
     const int scheme = settings.GetInt(kSettings, "ColourScheme", 0);
     m_scheme = scheme == 1 ? ColourScheme::RedNightVision : scheme == 2 ? ColourScheme::BlackOnWhite : ColourScheme::Normal;

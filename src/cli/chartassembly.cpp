@@ -34,7 +34,7 @@ const CChartComponents& ChartComponents()
         RegisterPlanets(c);
         RegisterMinorBodies(c, std::make_shared<CMinorCatalogHandle>());
         sat::RegisterPlottedPassLayer(c.layers);
-        RegisterOverlaysAndHorizon(c.layers, OverlayStorePtr());
+        RegisterOverlays(c.layers, OverlayStorePtr());
         return c;
     }();
     return components;

@@ -516,7 +516,7 @@ std::size_t DrawOverlay(DrawContext& ctx, const COverlay& overlay)
     return n;
 }
 
-void RegisterOverlaysAndHorizon(CChartLayerRegistry& layers, std::shared_ptr<COverlayStore> store)
+void RegisterOverlays(CChartLayerRegistry& layers, std::shared_ptr<COverlayStore> store)
 {
     layers.Add<COverlayLayer>(store);
 }

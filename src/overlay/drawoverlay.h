@@ -24,9 +24,8 @@ struct DrawContext;
 // Draws one parsed overlay onto the chart (used by the layer and the
 // benchmark). Returns the number of segments stroked.
 std::size_t DrawOverlay(DrawContext& ctx, const COverlay& overlay);
-// Registers the overlay layer (drawing what `store` lists). The name is
-// older than the ground layer, which now draws the horizon with the map's
-// own layers.
-void RegisterOverlaysAndHorizon(CChartLayerRegistry& layers, std::shared_ptr<COverlayStore> store);
+// Registers the overlay layer (drawing what `store` lists). The ground and
+// the horizon line belong to the ground layer, among the map's own layers.
+void RegisterOverlays(CChartLayerRegistry& layers, std::shared_ptr<COverlayStore> store);
 
 }  // namespace orv

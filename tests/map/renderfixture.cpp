@@ -147,7 +147,7 @@ CTestChartComponents::CTestChartComponents()
     minor->Get().MarkChanged(MinorKind::Comet);
     RegisterMinorBodies(components, minor);
     sat::RegisterPlottedPassLayer(components.layers);
-    RegisterOverlaysAndHorizon(components.layers, overlays);
+    RegisterOverlays(components.layers, overlays);
 }
 
 std::vector<VisibleStarRow> CSmallCatalogueChart::VisibleStars() const
