@@ -185,3 +185,82 @@ TEST(ConstellationLayer, BoundaryIsRefractedOnHorizonCharts)
     EXPECT_TRUE(ColourNear(image, refracted.x, refracted.y, 6, palette.conBoundary));
     EXPECT_FALSE(ColourNear(image, unrefracted.x, unrefracted.y, 6, palette.conBoundary));
 }
+
+// Where the ground is filled, it hides the figure lines below the horizon,
+// as it hides the stars they join: the figure from α Ori to the star 2°
+// north of it, caught rising across the horizon at latitude 70° N (the
+// line then leans only 20° from the vertical), is drawn above the horizon
+// and nowhere on the ground; without the filled ground it runs on below.
+TEST(ConstellationLayer, FigureLinesStopAtTheFilledGround)
+{
+    CSmallCatalogueChart chart(800, 600);
+    CConstellationFolder folder;
+    CMapDoc& doc = chart.Doc();
+    CObserverDoc& observer = doc.observer;
+    observer.SetSite("North", 70.0 * kRadPerDeg, 0.0, 0.0);
+    doc.constellations.conFigureVisible = 1;
+    doc.constellations.conNameVisible = 0;
+    doc.constellations.conBoundaryVisible = 0;
+    doc.constellations.levelFigureLow = 0;
+    doc.constellations.levelFigureHigh = 9;
+
+    // The instant the line's middle (6h, +1°) rises through 0° true altitude.
+    double alt = 0.0, az = 0.0;
+    auto trueAltitude = [&](double when) {
+        observer.SetJulianDate(when);
+        double ra = kCentreRaDeg * kRadPerDeg, dec = 1.0 * kRadPerDeg;
+        CatalogueToDate(observer, ra, dec);
+        EquatorialToHorizontal(observer, ra, dec, alt, az, Refraction::Ignore);
+        return alt;
+    };
+    double lo = 2451545.0;
+    while (!(trueAltitude(lo) < 0.0 && trueAltitude(lo + 0.01) >= 0.0)) lo += 0.01;
+    double hi = lo + 0.01;
+    for (int i = 0; i < 40; ++i) {
+        const double mid = 0.5 * (lo + hi);
+        (trueAltitude(mid) < 0.0 ? lo : hi) = mid;
+    }
+    trueAltitude(hi);
+
+    CMapView& view = chart.View();
+    view.SetLevel(1, CMapView::TakeField::Yes);
+    ASSERT_EQ(view.coordinates.CentringMode(), Centring::AltAz);
+    const auto render = [&](bool solidGround) {
+        view.altAzGrid.solidHorizonLevels = solidGround ? LevelRange{0, 9} : LevelRange{-1, -1};
+        view.SetLevel(1, CMapView::TakeField::No);
+        view.coordinates.SetFieldDeg(4.0);
+        view.coordinates.SetCentreAltAz(observer, 0.0, az);
+        view.coordinates.SetupSurface(chart.Width(), chart.Height());
+        return chart.Render();
+    };
+    const QImage ground = render(true);
+    ASSERT_EQ(view.altAzGrid.solidHorizon, 1);
+    const QImage open = render(false);
+    const ChartPalette palette = MakePalette(ColourScheme::Normal, SurfaceKind::RasterDisplay, false);
+
+    // Points along the line between the two stars as the chart places them,
+    // clear of the star discs at its ends and of the horizon line itself.
+    const CChartFrame frame(observer, view.coordinates);
+    const CGroundTest horizon(frame);
+    ScreenPoint a, b;
+    ASSERT_TRUE(frame.CatalogueToScreen(kCentreRaDeg * kRadPerDeg, 0.0, EpochPath::Rigid, a));
+    ASSERT_TRUE(frame.CatalogueToScreen(kCentreRaDeg * kRadPerDeg, kNorthDecDeg * kRadPerDeg, EpochPath::Rigid, b));
+    int below = 0, above = 0;
+    for (double f = 0.15; f <= 0.851; f += 0.05) {
+        const double x = a.x + f * (b.x - a.x), y = a.y + f * (b.y - a.y);
+        const bool clearlyBelow = horizon.BelowHorizon(x, y) && horizon.BelowHorizon(x, y - 5.0);
+        const bool clearlyAbove = !horizon.BelowHorizon(x, y) && !horizon.BelowHorizon(x, y + 5.0);
+        SCOPED_TRACE("fraction " + std::to_string(f));
+        if (clearlyBelow) {
+            ++below;
+            EXPECT_FALSE(ColourNear(ground, x, y, 1, palette.conFigure));
+            EXPECT_TRUE(ColourNear(open, x, y, 1, palette.conFigure));
+        } else if (clearlyAbove) {
+            ++above;
+            EXPECT_TRUE(ColourNear(ground, x, y, 1, palette.conFigure));
+            EXPECT_TRUE(ColourNear(open, x, y, 1, palette.conFigure));
+        }
+    }
+    EXPECT_GE(below, 3);
+    EXPECT_GE(above, 3);
+}

@@ -8,6 +8,7 @@
 #include "app/strings.h"
 #include "map/curvetrace.h"
 #include "map/drawcontext.h"
+#include "map/drawground.h"
 #include "map/skyframes.h"
 #include "observer/observer.h"
 #include "util/binaryio.h"
@@ -133,6 +134,8 @@ void CConstellationLayer::DrawFigures(DrawContext& ctx)
     ctx.painter.setBrush(Qt::NoBrush);
     ctx.painter.setRenderHint(QPainter::Antialiasing, true);
     const double cosReach = std::cos(std::min(ctx.coords.VisibleRadiusRad() + 60.0 * kRadPerDeg, kPi));
+    // Where the ground is filled it hides the figures' parts below the horizon.
+    const CGroundCover* ground = ctx.scene.Ground();
     for (std::size_t i = 0; i < figures.size(); ++i) {
         if (!IsDrawingFigureCode(figures[i].code)) continue;
         const std::int64_t ra = records[2 * i], rb = records[2 * i + 1];
@@ -148,7 +151,7 @@ void CConstellationLayer::DrawFigures(DrawContext& ctx)
         // outside the field cannot cross it.
         if (ctx.frame.CosFromCentre(a) < cosReach && ctx.frame.CosFromCentre(b) < cosReach) continue;
         const double dot = std::clamp(a[0] * b[0] + a[1] * b[1] + a[2] * b[2], -1.0, 1.0);
-        const TracedCurve c = tracer.Trace(
+        TracedCurve c = tracer.Trace(
             [&](double t, double v[3]) {
                 // A point of the great circle through a and b (normalised chord).
                 for (int k = 0; k < 3; ++k) v[k] = (1.0 - t) * a[k] + t * b[k];
@@ -156,6 +159,7 @@ void CConstellationLayer::DrawFigures(DrawContext& ctx)
                 for (int k = 0; k < 3; ++k) v[k] /= n;
             },
             0.0, 1.0, Steps(ctx, std::acos(dot)));
+        if (ground) ground->Cut(c);
         StrokePolylines(ctx.painter, c);
     }
 }
@@ -173,6 +177,7 @@ void CConstellationLayer::DrawBoundaries(DrawContext& ctx, int onlyConstellation
     ctx.painter.setPen(pen);
     ctx.painter.setBrush(Qt::NoBrush);
     ctx.painter.setRenderHint(QPainter::Antialiasing, true);
+    const CGroundCover* ground = ctx.scene.Ground();
     for (const BoundaryEdge& e : edges) {
         if (onlyConstellation >= 0 && e.left != onlyConstellation && e.right != onlyConstellation) continue;
         TracedCurve c;
@@ -198,6 +203,7 @@ void CConstellationLayer::DrawBoundaries(DrawContext& ctx, int onlyConstellation
                 },
                 e.ra1Rad, e.ra1Rad + span, Steps(ctx, span * std::cos(e.dec1Rad)));
         }
+        if (ground) ground->Cut(c);
         StrokePolylines(ctx.painter, c);
     }
 }
@@ -209,6 +215,9 @@ void CConstellationLayer::DrawNames(DrawContext& ctx)
     ctx.painter.setFont(ctx.fonts.label);
     ctx.painter.setPen(ctx.palette.conName);
     const QFontMetricsF fm(ctx.fonts.label, ctx.painter.device());
+    const CGroundCover* ground = ctx.scene.Ground();
+    const bool groundHides = ground != nullptr && ground->Solid();
+    const CGroundTest belowHorizon(ctx.frame);
     for (int c = 0; c < kConstellationCount; ++c) {
         NamePlace place;
         if (!cat.NamePlaceOf(c, place)) continue;
@@ -217,6 +226,7 @@ void CConstellationLayer::DrawNames(DrawContext& ctx)
         ScreenPoint s;
         if (!ctx.frame.CatalogueToScreen(place.raJ2000Rad, place.decJ2000Rad, EpochPath::Rigid, s)) continue;
         if (s.x < 0 || s.y < 0 || s.x > ctx.Width() || s.y > ctx.Height()) continue;
+        if (groundHides && belowHorizon.BelowHorizon(s.x, s.y)) continue;
         QString text = QString::fromStdString(abbreviated ? cat.Abbreviation(c) : cat.Name(c));
         if (!abbreviated) text = text.toUpper();
         const double w = LabelTextWidth(ctx.painter, ctx.fonts.label, text), h = fm.height();
