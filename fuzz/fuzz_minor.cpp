@@ -42,10 +42,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ParseCometCatalog(text, CometFilter{}, comets);
     Propagate(asteroids);
     Propagate(comets);
+    // Each line also as what a user types into the find box, against the
+    // catalogues just read (numbers of any length, names, designations).
+    CMinorCatalogs catalogs;
+    catalogs.Asteroids() = asteroids;
+    catalogs.Comets() = comets;
+    catalogs.MarkChanged(MinorKind::Asteroid);
+    catalogs.MarkChanged(MinorKind::Comet);
     std::size_t at = 0;
     for (int lines = 0; at < text.size() && lines < 50; ++lines) {
         const std::size_t end = std::min(text.find('\n', at), text.size());
-        ParsePastedLine(text.substr(at, end - at));
+        const std::string_view line = text.substr(at, end - at);
+        ParsePastedLine(line);
+        catalogs.FindAsteroids(line);
+        catalogs.FindComets(line, CMinorCatalogs::Scope::Loaded);
         at = end + 1;
     }
     return 0;
