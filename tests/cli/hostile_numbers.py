@@ -39,6 +39,8 @@ def cases(work, tle):
         (["map", "new", "--out", ovm], ["--ra", "--dec", "--alt", "--az", "--field", "--level", "--jd", "--lat"]),
         (["ephemeris", "Mars", "--from", "2025-01-01", "--to", "2025-01-10"], ["--step", "--lat", "--lon", "--zone"]),
         (["minor", "Ceres"], site),
+        (["minor", "chart", "Ceres", "--out", png, "--width", "160", "--height", "90"],
+         ["--days", "--step", "--label-every", "--width", "--height"]),
         (["eclipses", "--from", "2024", "--to", "2026", "--visible"], ["--from", "--to", "--lat", "--lon", "--height"]),
         (["eclipse", "2024-04-08"], ["--lat", "--lon", "--height"]),
         (["phenomena", "--kind", "conjunction", "--body", "Moon", "--body", "Mars", "--from", "2025-01-01",
