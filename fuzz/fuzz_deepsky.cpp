@@ -1,6 +1,6 @@
 // The deep-sky catalogue files of a data folder, damaged or foreign: the
 // NGC/IC records, name index and bounds (and the LEDA popular-name list)
-// written to a scratch folder, opened, and walked the way the chart and the
+// handed over as files in memory, opened, and walked the way the chart and the
 // find box walk them. Nothing may read past a mapping.
 #include <cstddef>
 #include <cstdint>
@@ -10,6 +10,7 @@
 #include "catalog/deepsky/deepskyformat.h"
 #include "catalog/deepsky/deepskysource.h"
 #include "fuzzsupport.h"
+#include "util/datafiles.h"
 #include "util/dataproblems.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -17,16 +18,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // The refusals of the last input, each of its own wording, are forgotten.
     orv::ForgetDataFileProblems();
     using namespace orv;
-    const auto parts = fuzz::Split(data, size, 7);
-    fuzz::WriteScratch(deepsky::kNgcIcDiskName, parts[0]);
-    fuzz::WriteScratch(deepsky::kNgcIcNameDiskName, parts[1]);
-    fuzz::WriteScratch(deepsky::kNgcIcBoundsDiskName, parts[2]);
-    fuzz::WriteScratch(deepsky::kLedaDiskName, parts[3]);
-    fuzz::WriteScratch(deepsky::kLedaNameDiskName, parts[4]);
-    fuzz::WriteScratch(deepsky::kLedaBoundsDiskName, parts[5]);
-    fuzz::WriteScratch(deepsky::kLedaPopularDiskName, parts[6]);
+    const auto parts = fuzz::SplitCopies(data, size, 7);
+    // The input stands for the files themselves: nothing is written or
+    // opened, the catalogues map the input's bytes as they would map files.
+    CMemoryDataFiles files;
+    files.Add(deepsky::kNgcIcFile, parts[0]);
+    files.Add(deepsky::kNgcIcNameFile, parts[1]);
+    files.Add(deepsky::kNgcIcBoundsFile, parts[2]);
+    files.Add(deepsky::kLedaFile, parts[3]);
+    files.Add(deepsky::kLedaNameFile, parts[4]);
+    files.Add(deepsky::kLedaBoundsFile, parts[5]);
+    files.Add(deepsky::kLedaPopularFile, parts[6]);
     CDeepSkyCatalogues cats;
-    if (!cats.OpenFolder(fuzz::ScratchFolder().string())) return 0;
+    if (!cats.OpenFiles(files)) return 0;
     std::vector<DeepSkyObject> found;
     for (const DeepSkyCatalogueId c : {DeepSkyCatalogueId::NgcIc, DeepSkyCatalogueId::Leda}) {
         found.clear();

@@ -1,16 +1,16 @@
 // The star catalogue's files as a data folder may hold them, damaged or
 // foreign: the records, the region tables, the identifier index and the
-// name table written to a scratch data folder and opened the way the
-// program opens them; when accepted, regions are looked up and every
+// name table handed to the catalogue as files in memory and opened the way
+// the program opens them; when accepted, regions are looked up and every
 // region's records read, and the indexes searched.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <vector>
 
 #include "catalog/stars/tycho2catalogue.h"
 #include "catalog/stars/tycho2format.h"
 #include "fuzzsupport.h"
+#include "util/datafiles.h"
 #include "util/dataproblems.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -18,16 +18,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // The refusals of the last input, each of its own wording, are forgotten.
     orv::ForgetDataFileProblems();
     using namespace orv;
-    static const bool pointed = [] { return ::setenv("ORVANE_DATA", fuzz::ScratchFolder().c_str(), 1) == 0; }();
-    (void)pointed;
-    const auto parts = fuzz::Split(data, size, 5);
-    fuzz::WriteScratch(tycho2::kCatalogueDiskName, parts[0]);
-    fuzz::WriteScratch(tycho2::kRegionStartDiskName, parts[1]);
-    fuzz::WriteScratch(tycho2::kRegionBoundsDiskName, parts[2]);
-    fuzz::WriteScratch(tycho2::kTychoIdDiskName, parts[3]);
-    fuzz::WriteScratch(tycho2::kProperNameDiskName, parts[4]);
+    // The input stands for the files themselves: no file is written or
+    // opened, the catalogue maps the input's bytes as it would map a file.
+    const auto parts = fuzz::SplitCopies(data, size, 5);
+    CMemoryDataFiles files;
+    files.Add(tycho2::kCatalogueFile, parts[0]);
+    files.Add(tycho2::kRegionStartFile, parts[1]);
+    files.Add(tycho2::kRegionBoundsFile, parts[2]);
+    files.Add(tycho2::kTychoIdFile, parts[3]);
+    files.Add(tycho2::kProperNameFile, parts[4]);
     CTycho2Catalogue cat;
-    if (!cat.OpenCatalogue()) return 0;
+    if (!cat.OpenCatalogue(files)) return 0;
     std::vector<int> regions;
     cat.FindRegions(SkyBox{0.0, 6.2831853, -1.5707963, 1.5707963}, regions);
     // The chart's walk: records straight from the mapping, region by region,

@@ -34,6 +34,17 @@ inline std::vector<std::span<const std::uint8_t>> Split(const std::uint8_t* data
     return out;
 }
 
+// The pieces of Split, each copied into a heap block of exactly its size:
+// handed to a reader as a file in memory, a read past a piece's end is then
+// caught by AddressSanitizer (within the input it would land, unnoticed, in
+// the next piece).
+inline std::vector<std::vector<std::uint8_t>> SplitCopies(const std::uint8_t* data, std::size_t size, std::size_t parts)
+{
+    std::vector<std::vector<std::uint8_t>> out;
+    for (const auto piece : Split(data, size, parts)) out.emplace_back(piece.begin(), piece.end());
+    return out;
+}
+
 // A folder of this process's own, in memory when the system offers a
 // memory file system (the readers' file writes are most of a run).
 inline const std::filesystem::path& ScratchFolder()

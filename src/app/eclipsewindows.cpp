@@ -25,6 +25,7 @@
 #include <cstdio>
 
 #include "app/appcontext.h"
+#include "app/dataproblemsbox.h"
 #include "app/mapwindow.h"
 #include "app/resulttablepanel.h"
 #include "eclipse/eclipsemapdraw.h"
@@ -168,6 +169,8 @@ bool CEclipseResultWindow::Run(const EclipseSearchSettings& settings, const Ecli
         [&](int years) { return progress(static_cast<double>(years) / range) == ProgressAnswer::Continue; },
         GetDataFileName("EclipseSearch.dat"));
     m_panel->EndProgress();
+    // Tables refused during the search (their years are missing from it).
+    ShowDataFileProblems(parentWidget());
     if (outcome.cancelled) return false;
     if (outcome.results.empty()) {
         QMessageBox::information(parentWidget(), QApplication::applicationName(),
@@ -350,8 +353,11 @@ void CEclipseBrowseWindow::Load(int fileNumber, int lineNumber)
     const auto table = MakeEclipseBrowseTable(m_kind, fileNumber);
     if (!table) {
         m_panel->SetTable(ResultTable{});
+        // A table that is there but damaged says why it was refused.
+        const QString why = TakeDataFileProblemsText();
         QMessageBox::warning(this, QApplication::applicationName(),
-                             tr("Unable to open file\n\"%1\"").arg(ToQ(EclipseFileName(m_kind, fileNumber))));
+                             tr("Unable to open file\n\"%1\"").arg(ToQ(EclipseFileName(m_kind, fileNumber))) +
+                                 (why.isEmpty() ? QString() : QStringLiteral("\n\n") + why));
         return;
     }
     m_panel->SetTable(*table);

@@ -21,6 +21,7 @@
 #include <cmath>
 
 #include "app/appcontext.h"
+#include "app/dataproblemsbox.h"
 #include "app/strings.h"
 #include "map/chartframe.h"
 #include "map/mapview.h"
@@ -95,6 +96,7 @@ void CMapWindow::InitNew(int number)
     m_view->coordinates.Update(m_doc->observer);
     ApplyTitle();
     RequestRedraw();
+    ReportDamagedFiles();
 }
 
 MapFileResult CMapWindow::LoadFromFile(const QString& path)
@@ -108,8 +110,18 @@ MapFileResult CMapWindow::LoadFromFile(const QString& path)
         LoadPlanetPaths(path);
         ApplyTitle();
         RequestRedraw();
+        ReportDamagedFiles();
     }
     return r;
+}
+
+// The overlays the chart will draw are read now, so that one cut short or
+// of another kind is named as the map opens, with any other damaged file
+// met so far, rather than at the first redraw.
+void CMapWindow::ReportDamagedFiles()
+{
+    m_app.Overlays().LoadDrawn();
+    ShowDataFileProblems(this);
 }
 
 // The planet paths kept beside the map file (solarsystem/bodypathfile.h);
@@ -313,11 +325,7 @@ void CMapWindow::RenderBacking()
     ++m_redrawCount;
     // A catalogue opened for this chart found a damaged file and left it
     // out: tell the user once, after the paint.
-    const std::string problems = DataFileProblemsText(TakeDataFileProblems());
-    if (!problems.empty())
-        QTimer::singleShot(0, this, [this, problems] {
-            QMessageBox::warning(this, tr("Data files"), QString::fromStdString(problems));
-        });
+    ShowDataFileProblems(this);
 }
 
 void CMapWindow::paintEvent(QPaintEvent*)

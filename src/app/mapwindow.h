@@ -116,6 +116,7 @@ signals:
 private:
     // The planet paths plotted on this map, kept beside its file.
     void LoadPlanetPaths(const QString& mapPath);
+    void ReportDamagedFiles();
     void SavePlanetPaths(const QString& mapPath);
 
 protected:

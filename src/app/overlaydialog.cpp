@@ -1,5 +1,7 @@
 #include "app/overlaydialog.h"
 
+#include "app/dataproblemsbox.h"
+
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFileDialog>
@@ -152,8 +154,10 @@ COverlayListDialog::COverlayListDialog(CAppContext& app, QWidget* parent)
     connect(remove, &QPushButton::clicked, this, &COverlayListDialog::Delete);
     connect(m_table, &QTableWidget::cellDoubleClicked, this, &COverlayListDialog::Edit);
     connect(m_table, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) {
-        if (item->column() == 0 && item->row() < static_cast<int>(m_entries.size()))
+        if (item->column() == 0 && item->row() < static_cast<int>(m_entries.size())) {
             m_entries[item->row()].active = item->checkState() == Qt::Checked ? 1 : 0;
+            ReadIfDrawn(item->row());
+        }
     });
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -192,6 +196,7 @@ void COverlayListDialog::Add()
     if (dialog.exec() != QDialog::Accepted) return;
     m_entries.push_back(dialog.Result());
     Fill();
+    ReadIfDrawn(static_cast<int>(m_entries.size()) - 1);
     m_table->selectRow(static_cast<int>(m_entries.size()) - 1);
 }
 
@@ -203,7 +208,18 @@ void COverlayListDialog::Edit()
     if (dialog.exec() != QDialog::Accepted) return;
     m_entries[i] = dialog.Result();
     Fill();
+    ReadIfDrawn(i);
     m_table->selectRow(i);
+}
+
+// An overlay made active (or given levels) is read at once, so that a file
+// cut short or of another kind is named while the user is choosing it.
+void COverlayListDialog::ReadIfDrawn(int row)
+{
+    const OverlayListEntry& e = m_entries[static_cast<std::size_t>(row)];
+    if (e.active == 0 && !e.HasLevelRange()) return;
+    m_app.Overlays().Get(e.path);
+    ShowDataFileProblems(this);
 }
 
 void COverlayListDialog::Delete()

@@ -47,6 +47,7 @@ private:
     void Add();
     void Edit();
     void Delete();
+    void ReadIfDrawn(int row);
     int Current() const;
 
     CAppContext& m_app;

@@ -4,6 +4,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 #include <cstdlib>
@@ -63,6 +64,13 @@ void CQtSettingsStore::WriteString(std::string_view section, std::string_view ke
 void CQtSettingsStore::Flush() { m_settings->sync(); }
 
 std::string CQtSettingsStore::FileName() const { return m_settings->fileName().toStdString(); }
+
+std::vector<std::string> CQtSettingsStore::Keys() const
+{
+    std::vector<std::string> out;
+    for (const QString& key : m_settings->allKeys()) out.push_back(key.toStdString());
+    return out;
+}
 
 std::string DefaultMapFilePath(const CSettingsStore& settings)
 {

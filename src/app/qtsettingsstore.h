@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "util/settingsstore.h"
 
@@ -28,6 +29,9 @@ public:
     void Flush() override;
 
     std::string FileName() const;
+    // Every key the file holds as "Section/Key" (for tools that walk the
+    // whole file, such as the settings fuzz target).
+    std::vector<std::string> Keys() const;
 
 private:
     std::unique_ptr<QSettings> m_settings;

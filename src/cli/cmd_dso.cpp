@@ -136,6 +136,10 @@ int RunDsos(Context& ctx)
     const auto minSize = ctx.args.GetNumber("min-size", error);
     if (!error.empty()) return UsageError(ctx, error);
     if (!(radiusDeg > 0.0 && radiusDeg <= 90.0)) return UsageError(ctx, "--radius must lie in (0, 90] degrees");
+    // The deep-sky filter dialog's limits.
+    if (mag && !(*mag >= -2.0 && *mag <= 30.0)) return UsageError(ctx, "--mag takes a magnitude from -2 to 30");
+    if (minSize && !(*minSize >= 0.0 && *minSize <= 32767.0 / 60.0))
+        return UsageError(ctx, "--min-size takes arcminutes from 0 to 546");
 
     // The chart's own filters, with every catalogue at its level unless
     // --catalogues names some.

@@ -187,8 +187,10 @@ int RunEclipse(Context& ctx)
         const auto width = ctx.args.GetNumber("width", error);
         const auto height = ctx.args.GetNumber("height-px", error);
         if (!error.empty()) return UsageError(ctx, error);
-        const int w = static_cast<int>(width.value_or(1600)), h = static_cast<int>(height.value_or(900));
-        if (w < 200 || h < 120 || w > 20000 || h > 20000) return UsageError(ctx, "--width/--height-px out of range");
+        const double wd = width.value_or(1600), hd = height.value_or(900);
+        if (!(wd >= 200 && wd <= 20000 && hd >= 120 && hd <= 20000))
+            return UsageError(ctx, "--width takes 200 to 20000 pixels and --height-px 120 to 20000");
+        const int w = static_cast<int>(wd), h = static_cast<int>(hd);
         sat::CWorldMap world;
         world.LoadFromDataFolder();  // without it the map has no land, the paths are still drawn
         const std::vector<sat::WorldOutline> land = sat::JoinWorldOutlines(world.Polylines());

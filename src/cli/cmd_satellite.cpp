@@ -91,13 +91,18 @@ bool SetupObserver(Context& ctx, CObserverDoc& observer, std::string& error)
     return ApplySiteOptions(ctx, observer, error) && ApplyTimeOptions(ctx, observer, error);
 }
 
-bool ReadPositiveInt(Context& ctx, const char* name, int& value, std::string& error)
+// A whole number within the range that the matching field of the satellite
+// dialogs allows (a pass search of a million days would otherwise be walked
+// step by step); `unit` names what is counted, for the message.
+bool ReadWholeInRange(Context& ctx, const char* name, int low, int high, const char* unit, int& value,
+                      std::string& error)
 {
     const auto v = ctx.args.GetNumber(name, error);
     if (!error.empty()) return false;
     if (!v) return true;
-    if (!(*v > 0.0) || *v > 1e6 || *v != std::floor(*v)) {
-        error = std::string("--") + name + " needs a positive whole number";
+    if (!(*v >= low && *v <= high) || *v != std::floor(*v)) {
+        error = std::string("--") + name + " takes a whole number of " + unit + " from " + std::to_string(low) +
+                " to " + std::to_string(high) + ", not " + *ctx.args.Get(name);
         return false;
     }
     value = static_cast<int>(*v);
@@ -218,8 +223,9 @@ int GroundTrack(Context& ctx)
     CEarthSatSettings settings;
     settings.Load(ctx.settings);
     std::string error;
-    if (!ReadPositiveInt(ctx, "length", settings.groundTrackLengthMin, error) ||
-        !ReadPositiveInt(ctx, "step", settings.groundTrackIntervalMin, error))
+    // The ground-track dialog's limits: up to two weeks, steps up to a day.
+    if (!ReadWholeInRange(ctx, "length", 1, 14 * 1440, "minutes", settings.groundTrackLengthMin, error) ||
+        !ReadWholeInRange(ctx, "step", 1, 1440, "minutes", settings.groundTrackIntervalMin, error))
         return UsageError(ctx, error);
     if (ctx.args.Has("orbit")) settings.groundTrackDuration = GroundTrackDuration::OneOrbit;
     else if (ctx.args.Has("length")) settings.groundTrackDuration = GroundTrackDuration::Minutes;
@@ -253,12 +259,14 @@ int Passes(Context& ctx)
     CEarthSatSettings settings;
     settings.Load(ctx.settings);
     std::string error;
-    if (!ReadPositiveInt(ctx, "days", settings.passDurationDays, error) ||
-        !ReadPositiveInt(ctx, "interval", settings.passPositionIntervalSec, error))
+    // The pass dialog's limits: a year of passes, positions up to an hour apart.
+    if (!ReadWholeInRange(ctx, "days", 1, 365, "days", settings.passDurationDays, error) ||
+        !ReadWholeInRange(ctx, "interval", 1, 3600, "seconds", settings.passPositionIntervalSec, error))
         return UsageError(ctx, error);
     if (ctx.args.Has("visible")) settings.passVisibility = PassVisibility::VisibleOnly;
     if (ctx.args.Has("any")) settings.passVisibility = PassVisibility::AllPasses;
     if (const auto minAlt = ctx.args.GetNumber("min-alt", error); minAlt) {
+        if (!(*minAlt >= 0.0 && *minAlt <= 90.0)) return UsageError(ctx, "--min-alt takes degrees from 0 to 90");
         settings.passMinAltitude = PassMinimumAltitude::Apply;
         settings.passMinAltitudeDeg = static_cast<int>(std::lround(*minAlt));
     }

@@ -31,7 +31,7 @@ bool ApplyMapOptions(const Context& ctx, CMapView& view, MapSource source, std::
 
     // Field or level first: entering a level sets how the centre is held.
     if (auto level = ctx.args.GetNumber("level", error)) {
-        if (*level < 1 || *level > 10) {
+        if (!(*level >= 1 && *level <= 10)) {
             error = "--level takes 1 to 10";
             return false;
         }

@@ -112,6 +112,12 @@ bool ApplySiteOptions(const Context& ctx, CObserverDoc& observer, std::string& e
         name = ctx.args.Get("site").value_or("");
     }
     if (auto v = ctx.args.GetNumber("height", error)) {
+        // (render shares the name for the picture's height in pixels, so
+        // only numbers no site could have are refused here)
+        if (!(std::fabs(*v) <= 1.0e6)) {
+            error = "--height needs the site's height in metres";
+            return false;
+        }
         height = *v;
     } else if (!error.empty()) {
         return false;

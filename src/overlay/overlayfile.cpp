@@ -633,6 +633,13 @@ std::shared_ptr<const COverlay> COverlayStore::Get(const std::string& path)
     return c.overlay;
 }
 
+void COverlayStore::LoadDrawn()
+{
+    for (const OverlayListEntry& e : entries)
+        if (e.active != 0 || e.HasLevelRange()) Get(e.path);
+    for (const std::string& f : extraFiles) Get(f);
+}
+
 bool LoadStartupOverlayList(COverlayStore& store, const std::string& userListPath)
 {
     std::vector<OverlayListEntry> entries;

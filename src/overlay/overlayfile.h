@@ -184,6 +184,9 @@ public:
     // The overlay of `path`, parsed now or reused when the file has not
     // changed since.
     std::shared_ptr<const COverlay> Get(const std::string& path);
+    // Reads every overlay a chart may draw (the active entries, those shown
+    // by level, the extra files) so that damaged ones are reported now.
+    void LoadDrawn();
 
 private:
     struct Cached {

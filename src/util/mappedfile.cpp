@@ -15,6 +15,7 @@ CMappedFile::CMappedFile(CMappedFile&& other) noexcept
     : m_data(std::exchange(other.m_data, nullptr)),
       m_size(std::exchange(other.m_size, 0)),
       m_open(std::exchange(other.m_open, false)),
+      m_mapped(std::exchange(other.m_mapped, false)),
       m_path(std::exchange(other.m_path, {}))
 {
 }
@@ -26,6 +27,7 @@ CMappedFile& CMappedFile::operator=(CMappedFile&& other) noexcept
         m_data = std::exchange(other.m_data, nullptr);
         m_size = std::exchange(other.m_size, 0);
         m_open = std::exchange(other.m_open, false);
+        m_mapped = std::exchange(other.m_mapped, false);
         m_path = std::exchange(other.m_path, {});
     }
     return *this;
@@ -55,13 +57,25 @@ bool CMappedFile::Open(const std::string& path)
     m_data = static_cast<const std::uint8_t*>(p);
     m_size = size;
     m_open = true;
+    m_mapped = p != nullptr;
     m_path = path;
     return true;
 }
 
+void CMappedFile::OpenBytes(std::span<const std::uint8_t> bytes, std::string path)
+{
+    Close();
+    // Like a mapping of an empty file, no bytes give a null Data().
+    m_data = bytes.empty() ? nullptr : bytes.data();
+    m_size = bytes.size();
+    m_open = true;
+    m_path = std::move(path);
+}
+
 void CMappedFile::Close()
 {
-    if (m_data != nullptr) ::munmap(const_cast<std::uint8_t*>(m_data), m_size);
+    if (m_mapped) ::munmap(const_cast<std::uint8_t*>(m_data), m_size);
+    m_mapped = false;
     m_data = nullptr;
     m_size = 0;
     m_open = false;

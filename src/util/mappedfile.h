@@ -24,6 +24,10 @@ public:
     // Maps `path` read-only. Returns false (and leaves the object closed) when
     // the file is missing, is not a regular file, or cannot be mapped.
     bool Open(const std::string& path);
+    // Stands for a mapping of `bytes`, which the caller keeps alive while
+    // this is open and which are not copied (the fuzz targets hand in their
+    // input this way); `path` names it in messages.
+    void OpenBytes(std::span<const std::uint8_t> bytes, std::string path);
     void Close();
 
     bool IsOpen() const { return m_open; }
@@ -37,6 +41,7 @@ private:
     const std::uint8_t* m_data = nullptr;
     std::size_t m_size = 0;
     bool m_open = false;
+    bool m_mapped = false;  // m_data is our mapping, to be unmapped
     std::string m_path;
 };
 

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QFile>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "app/qtsettingsstore.h"
@@ -30,6 +31,11 @@ TEST(QtSettingsStore, IniFileWithSectionsAndTheRealConventions)
     EXPECT_NEAR(store.GetAngleDegAsRad("Coordinates", "InitAlt", 0.0), kHalfPi / 2, 1e-9);
     EXPECT_EQ(store.GetString("DeepSky", "NameFilter", ""), "NGC 7*");
     EXPECT_EQ(store.GetInt("Absent", "Key", 42), 42);
+    // Every key of the file, once, as "Section/Key".
+    auto keys = store.Keys();
+    std::sort(keys.begin(), keys.end());
+    EXPECT_EQ(keys, (std::vector<std::string>{"Coordinates/InitAlt", "Coordinates/InitField", "DeepSky/NameFilter",
+                                              "Level10/Field", "Level3/Field"}));
     // The file is a readable INI file with one group per section.
     QFile f(QString::fromStdString(path));
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));

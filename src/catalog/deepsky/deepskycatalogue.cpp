@@ -9,6 +9,7 @@
 #include "map/skyframes.h"
 #include "util/angles.h"
 #include "util/binaryio.h"
+#include "util/datafiles.h"
 #include "util/datapath.h"
 #include "util/dataproblems.h"
 
@@ -51,30 +52,23 @@ std::string Lower(std::string_view s)
 
 }  // namespace
 
-bool CDeepSkyCatalogues::Open()
-{
-    return OpenWith([](std::string_view name, std::string& path) { return LocateDataFile(name, path); });
-}
+bool CDeepSkyCatalogues::Open() { return OpenFiles(CDataFolderFiles()); }
 
-bool CDeepSkyCatalogues::OpenFolder(const std::string& folder)
-{
-    return OpenWith(
-        [&](std::string_view name, std::string& path) { return ResolveCaseInsensitive(folder, name, path); });
-}
+bool CDeepSkyCatalogues::OpenFolder(const std::string& folder) { return OpenFiles(CDataFolderFiles(folder)); }
 
-bool CDeepSkyCatalogues::OpenWith(const Locator& locate)
+bool CDeepSkyCatalogues::OpenFiles(const CDataFiles& files)
 {
     for (std::size_t i = 0; i < kFiles.size(); ++i) {
         const CatalogueFiles& spec = kFiles[i];
         FileSet& f = m_files[i];
         f = FileSet{};
         if (spec.recordSize == 0) continue;  // no reader for this catalogue's layout
-        std::string records, bounds, names;
-        if (!locate(spec.records, records) || !locate(spec.bounds, bounds)) continue;
-        if (!f.records.Open(records) || !f.bounds.Open(bounds)) {
+        if (!files.Map(spec.records, f.records) || !files.Map(spec.bounds, f.bounds)) {
             f = FileSet{};
             continue;
         }
+        const std::string& records = f.records.Path();
+        const std::string& bounds = f.bounds.Path();
         // A file cut short or of another layout is left out, and said so.
         const std::size_t regions = static_cast<std::size_t>(deepsky::RegionCount());
         if (f.records.Size() % spec.recordSize != 0) {
@@ -93,37 +87,39 @@ bool CDeepSkyCatalogues::OpenWith(const Locator& locate)
         f.recordSize = spec.recordSize;
         f.nameEntrySize = spec.nameEntrySize;
         f.nameWidth = spec.nameWidth;
-        if (!spec.names.empty() && locate(spec.names, names)) f.names.Open(names);
+        if (!spec.names.empty()) files.Map(spec.names, f.names);
         ComputeRegionCircles(f);
     }
     // The popular names and labels are looked up through the name indexes,
     // so they are read once those are open. Missing lists are no error.
     for (NameList& list : m_popularNames) list.clear();
     m_sacLabels.clear();
-    std::string path;
-    if (locate(deepsky::kLedaPopularFile, path))
-        LoadNameList(DeepSkyCatalogueId::Leda, path, m_popularNames[static_cast<std::size_t>(DeepSkyCatalogueId::Leda)]);
-    if (locate(deepsky::kSacPopularFile, path))
-        LoadNameList(DeepSkyCatalogueId::Sac, path, m_popularNames[static_cast<std::size_t>(DeepSkyCatalogueId::Sac)]);
-    if (locate(deepsky::kSacLabelFile, path)) LoadNameList(DeepSkyCatalogueId::Sac, path, m_sacLabels);
+    std::vector<std::uint8_t> bytes;
+    if (files.Read(deepsky::kLedaPopularFile, bytes))
+        LoadNameList(DeepSkyCatalogueId::Leda, bytes, m_popularNames[static_cast<std::size_t>(DeepSkyCatalogueId::Leda)]);
+    if (files.Read(deepsky::kSacPopularFile, bytes))
+        LoadNameList(DeepSkyCatalogueId::Sac, bytes, m_popularNames[static_cast<std::size_t>(DeepSkyCatalogueId::Sac)]);
+    if (files.Read(deepsky::kSacLabelFile, bytes)) LoadNameList(DeepSkyCatalogueId::Sac, bytes, m_sacLabels);
     return AnyOpen();
 }
 
-void CDeepSkyCatalogues::LoadNameList(DeepSkyCatalogueId c, const std::string& path, NameList& out) const
+void CDeepSkyCatalogues::LoadNameList(DeepSkyCatalogueId c, std::span<const std::uint8_t> bytes, NameList& out) const
 {
-    std::ifstream in(path, std::ios::binary);
-    std::string line;
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     // A line longer than any name list holds is not one of ours: stop
-    // rather than read an unbounded line into memory.
+    // rather than keep an unbounded line.
     constexpr std::size_t kLongestLine = 4096;
-    while (std::getline(in, line)) {
+    for (std::size_t at = 0; at < text.size();) {
+        std::size_t end = text.find('\n', at);
+        if (end == std::string_view::npos) end = text.size();
+        std::string_view line = text.substr(at, end - at);
+        at = end + 1;
         if (line.size() > kLongestLine) break;
-        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
         if (line.empty() || line[0] == '#') continue;
         const std::size_t bar = line.find(deepsky::kNameListSeparator);
-        if (bar == std::string::npos || bar == 0 || bar + 1 >= line.size()) continue;
-        if (const auto record = FindName(c, std::string_view(line).substr(0, bar)))
-            out[*record] = line.substr(bar + 1);
+        if (bar == std::string_view::npos || bar == 0 || bar + 1 >= line.size()) continue;
+        if (const auto record = FindName(c, line.substr(0, bar))) out[*record] = std::string(line.substr(bar + 1));
     }
 }
 

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -17,6 +18,7 @@
 #include <vector>
 
 #include "catalog/deepsky/deepskyformat.h"
+#include "util/datafiles.h"
 #include "util/mappedfile.h"
 #include "util/objecttype.h"
 
@@ -74,6 +76,9 @@ public:
     bool Open();
     // Opens the catalogues of one data folder (the tests).
     bool OpenFolder(const std::string& folder);
+    // Opens the catalogues that `files` hold (the fuzz targets hand in
+    // bytes in memory).
+    bool OpenFiles(const CDataFiles& files);
 
     bool IsOpen(DeepSkyCatalogueId c) const { return File(c).records.IsOpen(); }
     bool AnyOpen() const;
@@ -110,13 +115,11 @@ private:
         std::vector<std::array<double, 4>> regionCircles;
     };
     const FileSet& File(DeepSkyCatalogueId c) const { return m_files[static_cast<std::size_t>(c)]; }
-    using Locator = std::function<bool(std::string_view name, std::string& path)>;
-    bool OpenWith(const Locator& locate);
     static void ComputeRegionCircles(FileSet& f);
 
     // A "designation|text" list read whole, keyed by record.
     using NameList = std::unordered_map<std::uint32_t, std::string>;
-    void LoadNameList(DeepSkyCatalogueId c, const std::string& path, NameList& out) const;
+    void LoadNameList(DeepSkyCatalogueId c, std::span<const std::uint8_t> bytes, NameList& out) const;
 
     std::array<FileSet, kDeepSkyCatalogueCount> m_files;
     std::array<NameList, kDeepSkyCatalogueCount> m_popularNames;  // LEDA and SAC only

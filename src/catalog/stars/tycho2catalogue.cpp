@@ -20,14 +20,6 @@ using namespace tycho2;
 
 namespace {
 
-// Reads a whole small file into `out`; false when it is missing or unreadable.
-bool ReadWhole(std::string_view name, std::vector<std::uint8_t>& out)
-{
-    std::string path;
-    if (!LocateDataFile(name, path)) return false;
-    return ReadWholeFile(path, out);
-}
-
 // Linear-motion limits: 85° in mas, and 10″ of motion in mas.
 constexpr double kLinearDecLimitMas = 306000000.0;
 constexpr double kLinearMotionLimitMas = 10000.0;
@@ -110,13 +102,6 @@ void StarPositionAt(const std::uint8_t* r, double years, double& raRad, double& 
 
 namespace {
 
-// A file that is there but cannot be used is reported by its path.
-void Refuse(std::string_view name, const std::string& reason)
-{
-    std::string path;
-    if (LocateDataFile(name, path)) ReportDataFileProblem(path, reason);
-}
-
 std::string SizeReason(std::size_t size, std::size_t expected)
 {
     return "it holds " + std::to_string(size) + " bytes instead of " + std::to_string(expected);
@@ -124,60 +109,63 @@ std::string SizeReason(std::size_t size, std::size_t expected)
 
 }  // namespace
 
-bool CTycho2Catalogue::LoadTables()
+bool CTycho2Catalogue::LoadTables(const CDataFiles& files)
 {
     if (!m_regionStart.empty()) return true;
-    std::vector<std::uint8_t> start, bounds;
-    if (!ReadWhole(kRegionStartFile, start)) return false;
-    if (start.size() != kRegionStartFileSize) {
-        Refuse(kRegionStartFile, SizeReason(start.size(), kRegionStartFileSize));
+    // Mapped only while decoded into the tables below.
+    CMappedFile start, bounds;
+    if (!files.Map(kRegionStartFile, start)) return false;
+    if (start.Size() != kRegionStartFileSize) {
+        ReportDataFileProblem(start.Path(), SizeReason(start.Size(), kRegionStartFileSize));
         return false;
     }
-    if (!ReadWhole(kRegionBoundsFile, bounds)) return false;
-    if (bounds.size() != kRegionBoundsFileSize) {
-        Refuse(kRegionBoundsFile, SizeReason(bounds.size(), kRegionBoundsFileSize));
+    if (!files.Map(kRegionBoundsFile, bounds)) return false;
+    if (bounds.Size() != kRegionBoundsFileSize) {
+        ReportDataFileProblem(bounds.Path(), SizeReason(bounds.Size(), kRegionBoundsFileSize));
         return false;
     }
     std::vector<std::uint32_t> regionStart(kRegionCount + 1);
     std::vector<std::int16_t> brightest(kRegionCount);
     for (int r = 0; r <= kRegionCount; ++r) {
-        regionStart[r] = LoadLE<std::uint32_t>(start.data() + r * kRegionStartEntrySize);
-        if (r < kRegionCount) brightest[r] = LoadLE<std::int16_t>(start.data() + r * kRegionStartEntrySize + 4);
+        regionStart[r] = LoadLE<std::uint32_t>(start.Data() + r * kRegionStartEntrySize);
+        if (r < kRegionCount) brightest[r] = LoadLE<std::int16_t>(start.Data() + r * kRegionStartEntrySize + 4);
         if (r > 0 && regionStart[r] < regionStart[r - 1]) {
-            Refuse(kRegionStartFile, "the start of region " + std::to_string(r + 1) + " lies before that of region " +
-                                         std::to_string(r));
+            ReportDataFileProblem(start.Path(), "the start of region " + std::to_string(r + 1) +
+                                                    " lies before that of region " + std::to_string(r));
             return false;
         }
     }
     std::vector<std::int32_t> b(4 * kRegionCount);
-    for (std::size_t i = 0; i < b.size(); ++i) b[i] = LoadLE<std::int32_t>(bounds.data() + i * 4);
+    for (std::size_t i = 0; i < b.size(); ++i) b[i] = LoadLE<std::int32_t>(bounds.Data() + i * 4);
     m_regionStart = std::move(regionStart);
     m_regionBrightest = std::move(brightest);
     m_regionBounds = std::move(b);
     return true;
 }
 
-void CTycho2Catalogue::LoadNameTables()
+void CTycho2Catalogue::LoadNameTables(const CDataFiles& files)
 {
     m_names.clear();
     m_properties.clear();
-    if (ReadWhole(kProperNameFile, m_names)) m_names.resize(m_names.size() / kNameEntrySize * kNameEntrySize);
-    if (ReadWhole(kPropertyFile, m_properties))
+    if (files.Read(kProperNameFile, m_names)) m_names.resize(m_names.size() / kNameEntrySize * kNameEntrySize);
+    if (files.Read(kPropertyFile, m_properties))
         m_properties.resize(m_properties.size() / kPropertyEntrySize * kPropertyEntrySize);
 }
 
-bool CTycho2Catalogue::OpenCatalogue()
+bool CTycho2Catalogue::OpenCatalogue() { return OpenCatalogue(CDataFolderFiles()); }
+
+bool CTycho2Catalogue::OpenCatalogue(const CDataFiles& files)
 {
     if (m_open) return true;
-    if (!LoadTables()) {
+    if (!LoadTables(files)) {
         CloseCatalogue();
         return false;
     }
-    std::string path;
-    if (!LocateDataFile(kCatalogueFile, path) || !m_file.Open(path)) {
+    if (!files.Map(kCatalogueFile, m_file)) {
         CloseCatalogue();
         return false;
     }
+    const std::string path = m_file.Path();
     if (m_file.Size() % kRecordSize != 0 || m_file.Size() == 0) {
         ReportDataFileProblem(path, "its size, " + std::to_string(m_file.Size()) + " bytes, is not a whole number of " +
                                         std::to_string(kRecordSize) + "-byte star records");
@@ -193,8 +181,8 @@ bool CTycho2Catalogue::OpenCatalogue()
         CloseCatalogue();
         return false;
     }
-    if (LocateDataFile(kTychoIdFile, path)) m_ids.Open(path);
-    LoadNameTables();
+    files.Map(kTychoIdFile, m_ids);
+    LoadNameTables(files);
     m_open = true;
     return true;
 }

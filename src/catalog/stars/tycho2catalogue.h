@@ -17,6 +17,7 @@
 
 #include "catalog/stars/tycho2format.h"
 #include "util/angles.h"
+#include "util/datafiles.h"
 #include "util/mappedfile.h"
 
 namespace orv {
@@ -110,6 +111,8 @@ public:
     // walked; a second call is a no-op returning true. On failure every
     // opened file is closed and the object stays closed.
     bool OpenCatalogue();
+    // The same from `files` (the fuzz targets hand in bytes in memory).
+    bool OpenCatalogue(const CDataFiles& files);
     // Unmaps "Tycho2.dat" and frees the region, name and property tables.
     void CloseCatalogue();
     bool IsOpen() const { return m_open; }
@@ -159,8 +162,8 @@ public:
     StarProperty PropertyAt(std::size_t i) const;
 
 private:
-    bool LoadTables();
-    void LoadNameTables();
+    bool LoadTables(const CDataFiles& files);
+    void LoadNameTables(const CDataFiles& files);
 
     bool m_open = false;
     CMappedFile m_file;

@@ -8,6 +8,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <span>
 
 #include "catalog/deepsky/catalogprefix.h"
 #include "catalog/deepsky/deepskyfilter.h"
@@ -16,6 +18,7 @@
 #include "sources/sacreader.h"
 #include "sources/stellariumdsoreader.h"
 #include "support/compare.h"
+#include "util/datafiles.h"
 #include "util/dataproblems.h"
 #include "writers/deepsky.h"
 
@@ -246,6 +249,55 @@ TEST(DeepSkyReader, SacDatabaseLines)
     EXPECT_EQ(o.paDeg, -1);
     EXPECT_EQ(db::SacSystemType(o.type), static_cast<int>(ObjectType::Star));
     EXPECT_FALSE(db::ParseSacLine(R"("NGC 1","x")", o, why));
+}
+
+// The catalogues handed over as bytes in memory (as the fuzz targets hand
+// them) read exactly as from the folder: the same objects, texts and name
+// look-ups; and the same refusal of a record file cut short, named by its
+// memory name.
+TEST_F(MiniatureCatalogue, FilesInMemoryReadAsTheFolder)
+{
+    std::vector<std::pair<std::string, std::vector<std::uint8_t>>> held;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(s_folder)) {
+        if (!entry.is_regular_file()) continue;
+        std::ifstream in(entry.path(), std::ios::binary);
+        held.emplace_back(std::filesystem::relative(entry.path(), s_folder).generic_string(),
+                          std::vector<std::uint8_t>(std::istreambuf_iterator<char>(in), {}));
+    }
+    CMemoryDataFiles files;
+    for (const auto& [name, bytes] : held) files.Add(name, bytes);
+    CDeepSkyCatalogues memory;
+    ASSERT_TRUE(memory.OpenFiles(files));
+    for (const DeepSkyCatalogueId c : {DeepSkyCatalogueId::NgcIc, DeepSkyCatalogueId::Sac, DeepSkyCatalogueId::Leda}) {
+        ASSERT_EQ(memory.IsOpen(c), m_cats.IsOpen(c));
+        ASSERT_EQ(memory.Count(c), m_cats.Count(c));
+        std::vector<DeepSkyObject> fromFolder, fromMemory;
+        m_cats.Gather(c, 0.0, 0.0, kPi, fromFolder);
+        memory.Gather(c, 0.0, 0.0, kPi, fromMemory);
+        ASSERT_EQ(fromMemory.size(), fromFolder.size());
+        for (std::size_t i = 0; i < fromFolder.size(); ++i) {
+            EXPECT_EQ(fromMemory[i].record, fromFolder[i].record);
+            DeepSkyTexts a, b;
+            ASSERT_TRUE(m_cats.Texts(c, fromFolder[i].record, a));
+            ASSERT_TRUE(memory.Texts(c, fromMemory[i].record, b));
+            EXPECT_EQ(DeepSkyTitle(b), DeepSkyTitle(a));
+            EXPECT_EQ(b.names, a.names);
+        }
+    }
+    EXPECT_EQ(memory.FindName(DeepSkyCatalogueId::NgcIc, "M 42"), m_cats.FindName(DeepSkyCatalogueId::NgcIc, "M 42"));
+    EXPECT_EQ(memory.FindCommonName("andromeda").size(), m_cats.FindCommonName("andromeda").size());
+
+    // The NGC/IC records cut 100 bytes short, as an interrupted copy would.
+    for (auto& [name, bytes] : held)
+        if (name.ends_with("ngcic.dat")) files.Add(name, std::span<const std::uint8_t>(bytes).first(bytes.size() - 100));
+    TakeDataFileProblems();
+    CDeepSkyCatalogues cut;
+    ASSERT_TRUE(cut.OpenFiles(files));
+    EXPECT_FALSE(cut.IsOpen(DeepSkyCatalogueId::NgcIc));
+    EXPECT_TRUE(cut.IsOpen(DeepSkyCatalogueId::Leda));
+    const auto problems = TakeDataFileProblems();
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_EQ(problems[0].path, "memory:deepsky/ngcic/ngcic.dat");
 }
 
 TEST_F(MiniatureCatalogue, FindsEveryDesignationForm)
