@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "util/angles.h"
+#include "util/text.h"
 
 namespace orv {
 
@@ -166,9 +167,7 @@ std::vector<std::string> CSkyObjectRegistry::CompletionNames() const
     std::vector<std::pair<std::string, std::string>> keyed;
     keyed.reserve(names.size());
     for (std::string& n : names) {
-        std::string key(n);
-        for (char& c : key) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        keyed.emplace_back(std::move(key), std::move(n));
+        keyed.emplace_back(AsciiLower(n), std::move(n));
     }
     std::sort(keyed.begin(), keyed.end());
     names.clear();

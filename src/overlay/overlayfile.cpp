@@ -13,6 +13,7 @@
 #include "util/atomicfile.h"
 #include "util/datapath.h"
 #include "util/dataproblems.h"
+#include "util/text.h"
 
 namespace orv {
 
@@ -28,12 +29,6 @@ std::string Trim(const std::string& s)
     if (b == std::string::npos) return {};
     const auto e = s.find_last_not_of(" \t\r\n");
     return s.substr(b, e - b + 1);
-}
-
-std::string Lower(std::string s)
-{
-    for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return s;
 }
 
 // The first word of `s` (blanks and tabs separate words) and the rest after it.
@@ -104,7 +99,7 @@ std::optional<double> ReadSexagesimal(const std::string& token)
 
 const OverlayColour* FindColour(const COverlay& o, const std::string& name, OverlayColour& builtIn)
 {
-    const std::string key = Lower(Trim(name));
+    const std::string key = AsciiLower(Trim(name));
     if (const auto it = o.colours.find(key); it != o.colours.end()) return &it->second;
     if (const auto c = BuiltInOverlayColour(key)) {
         builtIn = *c;
@@ -128,7 +123,7 @@ public:
         }
         if (line.empty() || line[0] == ';' || Trim(line).empty()) return;
         std::string rest;
-        const std::string command = Lower(TakeWord(line, rest));
+        const std::string command = AsciiLower(TakeWord(line, rest));
         if (command == "move") Point(rest, false);
         else if (command == "draw") Point(rest, true);
         else if (command == "text") Text(rest);
@@ -275,9 +270,9 @@ private:
     void Define(const std::string& rest)
     {
         std::string afterKind;
-        const std::string kind = Lower(TakeWord(rest, afterKind));
+        const std::string kind = AsciiLower(TakeWord(rest, afterKind));
         std::string afterName;
-        const std::string name = Lower(Trim(TakeWord(afterKind, afterName)));
+        const std::string name = AsciiLower(Trim(TakeWord(afterKind, afterName)));
         if (kind != "colour" && kind != "color" && kind != "font" && kind != "line") {
             Error("expected \"define colour\", \"define font\" or \"define line\"");
             return;
@@ -325,7 +320,7 @@ private:
         }
         OverlayLine line;
         if (has(0)) {
-            const std::string style = Lower(f[0]);
+            const std::string style = AsciiLower(f[0]);
             if (style == "dash") line.style = OverlayLineStyle::Dash;
             else if (style == "dot") line.style = OverlayLineStyle::Dot;
             else if (style == "dashdot") line.style = OverlayLineStyle::DashDot;
@@ -345,7 +340,7 @@ private:
 
     static int AlignWord(const std::string& w, const char* low, const char* high)
     {
-        const std::string s = Lower(Trim(w));
+        const std::string s = AsciiLower(Trim(w));
         if (s == low) return 1;
         if (s == high) return 3;
         return 2;  // centre, center, missing or unknown
@@ -354,8 +349,8 @@ private:
     void Select(const std::string& rest)
     {
         std::string afterKind;
-        const std::string kind = Lower(TakeWord(rest, afterKind));
-        const std::string name = Lower(Trim(afterKind));
+        const std::string kind = AsciiLower(TakeWord(rest, afterKind));
+        const std::string name = AsciiLower(Trim(afterKind));
         if (kind == "font" || kind == "line") {
             const auto& index = kind == "font" ? m_fontIndex : m_lineIndex;
             const auto it = index.find(name);
@@ -404,7 +399,7 @@ std::optional<OverlayColour> BuiltInOverlayColour(const std::string& name)
         {"gray", {128, 128, 128}},     {"dkgrey", {64, 64, 64}},     {"dkgray", {64, 64, 64}},
         {"ltgrey", {192, 192, 192}},   {"ltgray", {192, 192, 192}},
     };
-    const auto it = kColours.find(Lower(Trim(name)));
+    const auto it = kColours.find(AsciiLower(Trim(name)));
     if (it == kColours.end()) return std::nullopt;
     return it->second;
 }

@@ -12,6 +12,7 @@
 #include "util/datafiles.h"
 #include "util/datapath.h"
 #include "util/dataproblems.h"
+#include "util/text.h"
 
 namespace orv {
 
@@ -42,13 +43,6 @@ std::string FixedString(const std::uint8_t* p, std::size_t width)
 // The object type code of a record: 255 stands for "Unknown" (9999),
 // which does not fit the byte.
 ObjectType TypeFromByte(std::uint8_t b) { return b == 255 ? ObjectType::Unknown : static_cast<ObjectType>(b); }
-
-std::string Lower(std::string_view s)
-{
-    std::string out(s);
-    for (char& c : out) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return out;
-}
 
 }  // namespace
 
@@ -307,20 +301,20 @@ std::vector<std::pair<DeepSkyCatalogueId, std::uint32_t>> CDeepSkyCatalogues::Fi
     std::string_view name) const
 {
     std::vector<std::pair<DeepSkyCatalogueId, std::uint32_t>> found;
-    const std::string wanted = Lower(name);
+    const std::string wanted = AsciiLower(name);
     if (wanted.empty()) return found;
     const std::size_t n = Count(DeepSkyCatalogueId::NgcIc);
     const FileSet& f = File(DeepSkyCatalogueId::NgcIc);
     for (std::size_t i = 0; i < n; ++i) {
         const std::uint8_t* r = f.records.Data() + i * f.recordSize;
         if (r[deepsky::ngc::kCommonName] == 0) continue;
-        if (HasName(Lower(FixedString(r + deepsky::ngc::kCommonName, 64)), wanted))
+        if (HasName(AsciiLower(FixedString(r + deepsky::ngc::kCommonName, 64)), wanted))
             found.emplace_back(DeepSkyCatalogueId::NgcIc, static_cast<std::uint32_t>(i));
     }
     for (const DeepSkyCatalogueId c : {DeepSkyCatalogueId::Leda, DeepSkyCatalogueId::Sac}) {
         std::vector<std::uint32_t> records;
         for (const auto& [record, names] : m_popularNames[static_cast<std::size_t>(c)])
-            if (HasName(Lower(names), wanted)) records.push_back(record);
+            if (HasName(AsciiLower(names), wanted)) records.push_back(record);
         // The map's order is arbitrary; a stable answer lists records in order.
         std::sort(records.begin(), records.end());
         for (const std::uint32_t r : records) found.emplace_back(c, r);
